@@ -1,0 +1,50 @@
+# Compiler and linker options for this project's own code, as one INTERFACE target that every
+# target of ours links. Third-party code is never compiled with them.
+
+option(QUORLAN_WERROR "Treat warnings as errors" OFF)
+option(QUORLAN_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+
+add_library(quorlan-build-options INTERFACE)
+
+target_compile_options(
+  quorlan-build-options
+  INTERFACE -Wall
+            -Wextra
+            -Wpedantic
+            -Wshadow
+            -Wconversion
+            -Wsign-conversion
+            -Wold-style-cast
+            -Wnon-virtual-dtor
+            -Woverloaded-virtual
+            -Wcast-align
+            -Wcast-qual
+            -Wformat=2
+            -Wnull-dereference
+            -Wimplicit-fallthrough
+            -Wundef
+            $<$<CXX_COMPILER_ID:GNU>:-Wlogical-op
+            -Wduplicated-cond
+            -Wduplicated-branches
+            -Wuseless-cast>
+            $<$<BOOL:${QUORLAN_WERROR}>:-Werror>)
+
+if(QUORLAN_SANITIZE)
+  # A sanitizer report ends the process, so that no test can pass over one.
+  set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all)
+  target_compile_options(quorlan-build-options INTERFACE ${sanitizers} -fno-omit-frame-pointer)
+  target_link_options(quorlan-build-options INTERFACE ${sanitizers})
+endif()
+
+# Hardening. _FORTIFY_SOURCE needs an optimised build, and AddressSanitizer does the same checks
+# better; the other options cost nothing where they are not needed.
+include(CheckPIESupported)
+check_pie_supported(LANGUAGES CXX)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+target_compile_options(quorlan-build-options INTERFACE -fstack-protector-strong
+                                                       -fstack-clash-protection)
+target_compile_definitions(
+  quorlan-build-options
+  INTERFACE _GLIBCXX_ASSERTIONS
+            $<$<AND:$<NOT:$<CONFIG:Debug>>,$<NOT:$<BOOL:${QUORLAN_SANITIZE}>>>:_FORTIFY_SOURCE=2>)
+target_link_options(quorlan-build-options INTERFACE -Wl,-z,relro,-z,now -Wl,-z,noexecstack)

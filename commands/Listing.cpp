@@ -1,0 +1,114 @@
+// The tables of services and modules.
+
+#include "app/Quorlan.h"
+#include "engine/Request.h"
+#include "term/Field.h"
+#include "term/Styles.h"
+
+#include <Poco/Exception.h>
+
+#include <iostream>
+#include <string_view>
+
+namespace {
+
+constexpr int nameWidth = 25;
+constexpr int stateWidth = 15;
+constexpr int heartbeatWidth = 15;
+constexpr int versionWidth = 15;
+
+using Manipulator = std::ostream& (*)(std::ostream&);
+
+Manipulator StateColor(const std::string& state)
+{
+    if (state == "running") {
+        return Green;
+    }
+    if (state == "stopped" || state == "terminated") {
+        return Red;
+    }
+    return Yellow;
+}
+
+void PrintHeading(std::string_view text, int width)
+{
+    std::cout << Bold << Field{text, width} << Reset;
+}
+
+// The column is shown as soon as one entry tells whether it is monitored; every entry must then.
+bool HasHeartbeatColumn(const Poco::JSON::Array& entries)
+{
+    for (unsigned int i = 0; i < entries.size(); ++i) {
+        if (entries.getObject(i)->has("monitored")) {
+            return true;
+        }
+    }
+    return false;
+}
+
+void PrintRow(const Poco::JSON::Object::Ptr& entry, bool showHeartbeat)
+{
+    std::cout << Field{entry->getValue<std::string>("name"), nameWidth};
+
+    const auto state = entry->getValue<std::string>("state");
+    std::cout << StateColor(state) << Field{state, stateWidth} << Reset;
+
+    if (showHeartbeat) {
+        const bool monitored = entry->getValue<bool>("monitored");
+        std::cout << (monitored ? Green : Red) << Field{monitored ? "yes" : "no", heartbeatWidth}
+                  << Reset;
+    }
+
+    std::cout << Field{entry->getValue<std::string>("version"), versionWidth} << std::endl;
+}
+
+} // namespace
+
+void Quorlan::HandleListCommand(const std::string& /*name*/, const std::string& /*value*/)
+{
+    std::string reply;
+    if (!SendRequest(MakeRequest("list"), reply)) {
+        exitCode = EXIT_UNAVAILABLE;
+        return;
+    }
+    ReadReply(reply, [this](const Poco::JSON::Object::Ptr& list) {
+        // Looked at first, unlike in ExecuteRequest: a refused list has no tables to print.
+        const int resultCode = list->getValue<int>("resultCode");
+        if (resultCode != 0) {
+            std::cerr << list->getValue<std::string>("description") << std::endl;
+            exitCode = resultCode;
+            return;
+        }
+        PrintModuleTable(list->getArray("services"), "SERVICE NAME");
+        PrintModuleTable(list->getArray("modules"), "MODULE NAME");
+    });
+}
+
+void Quorlan::PrintModuleTable(const Poco::JSON::Array::Ptr& entries,
+                               const std::string& nameHeading)
+{
+    if (entries.isNull()) {
+        throw Poco::NullPointerException();
+    }
+    const bool showHeartbeat = HasHeartbeatColumn(*entries);
+
+    PrintHeading(nameHeading, nameWidth);
+    PrintHeading("STATE", stateWidth);
+    if (showHeartbeat) {
+        PrintHeading("HEARTBEAT", heartbeatWidth);
+    }
+    PrintHeading("VERSION", versionWidth);
+    std::cout << std::endl;
+
+    const int tableWidth =
+        nameWidth + stateWidth + (showHeartbeat ? heartbeatWidth : 0) + versionWidth;
+    std::cout << std::string(static_cast<std::size_t>(tableWidth), '-') << std::endl;
+
+    if (entries->empty()) {
+        std::cout << "None are loaded!" << std::endl;
+    }
+    for (unsigned int i = 0; i < entries->size(); ++i) {
+        PrintRow(entries->getObject(i), showHeartbeat);
+    }
+    std::cout << std::endl;
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <iomanip>
+#include <ostream>
+#include <string_view>
+
+/// One column of a report: inserted into a stream, the text is followed by blanks up to width
+/// characters (bytes). A longer text is written whole.
+struct Field
+{
+    std::string_view text;
+    int width;
+};
+
+inline std::ostream& operator<<(std::ostream& stream, const Field& field)
+{
+    return stream << std::left << std::setw(field.width) << field.text;
+}
