@@ -14,7 +14,10 @@ namespace {
 
 constexpr int fieldWidth = 15;
 
-Field Column(std::string_view text) { return {text, fieldWidth}; }
+Field Column(std::string_view text)
+{
+    return {text, fieldWidth};
+}
 
 // Each label is written before its value is read, so that a reply without the value shows which
 // line it was missing for.

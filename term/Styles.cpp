@@ -36,15 +36,33 @@ bool IsStylingActive(const std::ostream& stream)
     return handle != nullptr && isatty(fileno(handle)) != 0 && useColors;
 }
 
-std::ostream& Bold(std::ostream& stream) { return Style(stream, "\033[1m"); }
+std::ostream& Bold(std::ostream& stream)
+{
+    return Style(stream, "\033[1m");
+}
 
 // Two zeros, unlike the others: the bytes are fixed, terminals read both forms alike.
-std::ostream& Reset(std::ostream& stream) { return Style(stream, "\033[00m"); }
+std::ostream& Reset(std::ostream& stream)
+{
+    return Style(stream, "\033[00m");
+}
 
-std::ostream& Red(std::ostream& stream) { return Style(stream, "\033[31m"); }
+std::ostream& Red(std::ostream& stream)
+{
+    return Style(stream, "\033[31m");
+}
 
-std::ostream& Green(std::ostream& stream) { return Style(stream, "\033[32m"); }
+std::ostream& Green(std::ostream& stream)
+{
+    return Style(stream, "\033[32m");
+}
 
-std::ostream& Yellow(std::ostream& stream) { return Style(stream, "\033[33m"); }
+std::ostream& Yellow(std::ostream& stream)
+{
+    return Style(stream, "\033[33m");
+}
 
-std::ostream& Blue(std::ostream& stream) { return Style(stream, "\033[34m"); }
+std::ostream& Blue(std::ostream& stream)
+{
+    return Style(stream, "\033[34m");
+}

@@ -1,0 +1,206 @@
+// One request out, one reply in: what is on the wire, how long the tool waits, what it keeps.
+
+#include "tests/e2e/Texts.h"
+#include "tests/support/Descriptor.h"
+#include "tests/support/EngineAddress.h"
+#include "tests/support/PrivateNetwork.h"
+#include "tests/support/ScriptedEngine.h"
+#include "tests/support/Tool.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// A reply of exactly size bytes to "status", whose report is long.
+struct LongReply
+{
+    explicit LongReply(std::size_t size)
+    {
+        const std::string head = R"({"description":")";
+        const std::string tail = R"(","resultCode":0})";
+        description.assign(size - head.size() - tail.size(), 'x');
+        text = head + description + tail;
+    }
+
+    std::string description;
+    std::string text;
+};
+
+const Outcome cutOff{76, "", emptyReply};
+
+} // namespace
+
+TEST(Connection, RefusedIsReportedOnStandardOutput)
+{
+    EXPECT_EQ(RunTool({"--update"}), (Outcome{69, connectionRefused, ""}));
+}
+
+TEST(Connection, ThatNobodyAnswersIsReportedAsNoResponseInTime)
+{
+    // A connection that fills the queue of a listener that never accepts; the kernel drops what
+    // comes after it.
+    const Descriptor listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    ASSERT_TRUE(TryListen(listener));
+    ASSERT_EQ(listen(listener.Get(), 0), 0);
+    const Descriptor queued(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    const sockaddr_in address = EngineAddress();
+    ASSERT_EQ(connect(queued.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
+              0);
+    ShortenConnectTimeout();
+
+    EXPECT_EQ(RunTool({"--update"}),
+              (Outcome{69, "Vantrel failed to respond in time: 127.0.0.1:7777; Timeout\n", ""}));
+}
+
+TEST(Connection, CarriesOneCompactObjectAndNothingBehindIt)
+{
+    ScriptedEngine engine{R"({"description":"ok","resultCode":0})"};
+
+    EXPECT_EQ(RunTool(Words("--status abc")), (Outcome{0, "ok\n", ""}));
+
+    EXPECT_EQ(engine.Requests(),
+              std::vector<std::string>{R"({"command":"status","module":"abc"})"});
+}
+
+TEST(Connection, ClosedWithoutAReplyLeavesAnEmptyReply)
+{
+    ScriptedEngine engine{""};
+
+    EXPECT_EQ(RunTool({"--update"}), cutOff);
+}
+
+TEST(Connection, ClosedBeforeTheRequestIsReadLeavesAnEmptyReply)
+{
+    ScriptedEngine engine;
+    engine.OnConnection(Script().CloseWithoutReading());
+
+    EXPECT_EQ(RunTool({"--update"}), cutOff);
+}
+
+TEST(Connection, ResetBeforeAReplyLeavesAnEmptyReply)
+{
+    ScriptedEngine engine;
+    engine.OnConnection(Script().AwaitRequest().Reset());
+
+    EXPECT_EQ(RunTool({"--update"}), cutOff);
+}
+
+TEST(Connection, WithASilentEngineIsGivenUpAfterFiveSecondsWithoutATimeoutLine)
+{
+    ScriptedEngine engine;
+    engine.OnConnection(Script().AwaitRequest().AwaitClientClose());
+
+    EXPECT_EQ(RunTool({"--update"}), cutOff);
+
+    EXPECT_GT(engine.Connections().at(0).patience.count(), 4.5);
+    EXPECT_LT(engine.Connections().at(0).patience.count(), 60);
+}
+
+TEST(Connection, LeftOpenAfterAShortReplyLosesTheReply)
+{
+    ScriptedEngine engine;
+    engine.OnConnection(
+        Script().AwaitRequest().Send(R"({"description":"ok","resultCode":0})").AwaitClientClose());
+
+    EXPECT_EQ(RunTool({"--update"}), cutOff);
+
+    EXPECT_GT(engine.Connections().at(0).patience.count(), 4.5);
+}
+
+TEST(Connection, IsReadUntilTheEngineClosesAlsoBeyondOneBlock)
+{
+    const LongReply reply(8192 * 3 + 17);
+    ScriptedEngine engine;
+    engine.OnConnection(Reply(reply.text));
+
+    EXPECT_EQ(RunTool({"--update"}), (Outcome{0, reply.description + "\n", ""}));
+}
+
+TEST(Connection, LeftOpenAfterWholeBlocksKeepsTheReply)
+{
+    const LongReply reply(8192 * 2);
+    ScriptedEngine engine;
+    engine.OnConnection(Script().AwaitRequest().Send(reply.text).AwaitClientClose());
+
+    EXPECT_EQ(RunTool({"--update"}), (Outcome{0, reply.description + "\n", ""}));
+}
+
+TEST(Connection, LeftOpenAfterOneByteMoreThanABlockKeepsTheBlockAlone)
+{
+    const LongReply reply(8192);
+    ScriptedEngine engine;
+    engine.OnConnection(Script().AwaitRequest().Send(reply.text + " ").AwaitClientClose());
+
+    EXPECT_EQ(RunTool({"--update"}), (Outcome{0, reply.description + "\n", ""}));
+}
+
+TEST(Connection, ResetInsideTheReplyKeepsTheWholeBlocks)
+{
+    const LongReply reply(8193);
+    ScriptedEngine engine;
+    engine.OnConnection(Script()
+                            .AwaitRequest()
+                            .Send(reply.text.substr(0, 8000))
+                            .SendInPieces(" ", 1, 100ms)
+                            .Reset());
+
+    EXPECT_EQ(RunTool({"--update"}), cutOff);
+}
+
+TEST(Connection, ThatDripsIsReadToItsEndHoweverLongItTakes)
+{
+    ScriptedEngine engine;
+    engine.OnConnection(
+        Script().AwaitRequest().SendInPieces(R"({"description":"ok","resultCode":0})", 12, 2500ms));
+
+    // Three pieces: longer in all than the wait for one of them.
+    EXPECT_EQ(RunTool({"--update"}), (Outcome{0, "ok\n", ""}));
+}
+
+TEST(Connection, KeepsItsSendingSideOpenUntilTheReplyIsRead)
+{
+    ScriptedEngine engine;
+    engine.OnConnection(
+        Script().AwaitClientClose().Send(R"({"description":"too late","resultCode":0})"));
+
+    EXPECT_EQ(RunTool({"--update"}), cutOff);
+
+    EXPECT_EQ(engine.Connections().at(0).received, R"({"command":"update"})");
+    EXPECT_GT(engine.Connections().at(0).patience.count(), 4.5);
+}
+
+TEST(Connection, ThatTheEngineHalfClosesIsReadToThere)
+{
+    ScriptedEngine engine;
+    engine.OnConnection(Script()
+                            .AwaitRequest()
+                            .Send(R"({"description":"ok","resultCode":0})")
+                            .HalfClose()
+                            .AwaitClientClose());
+
+    EXPECT_EQ(RunTool({"--update"}), (Outcome{0, "ok\n", ""}));
+}
+
+TEST(Connection, IsOneForEachExchange)
+{
+    ScriptedEngine engine{debugModeOn, R"({"description":"ok","resultCode":0})"};
+
+    EXPECT_EQ(RunTool(Words("--start abc")), (Outcome{0, "ok\n", ""}));
+
+    EXPECT_EQ(
+        engine.Requests(),
+        (std::vector<std::string>{engineStatusRequest, R"({"command":"start","module":"abc"})"}));
+}
+
+TEST(Connection, IsLeftAloneByTheEnvironment)
+{
+    setenv("http_proxy", "http://127.0.0.1:1", 1);
+    setenv("ALL_PROXY", "socks5://127.0.0.1:1", 1);
+    ScriptedEngine engine{R"({"description":"ok","resultCode":0})"};
+
+    EXPECT_EQ(RunTool({"--update"}), (Outcome{0, "ok\n", ""}));
+}

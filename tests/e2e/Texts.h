@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+// The texts that several commands share. What stands behind "; " and "due to " is POCO's own
+// wording, that of Debian's 1.11.
+
+inline const std::string connectionRefused =
+    "Failed to connect to Vantrel at 127.0.0.1:7777; Connection refused\n";
+inline const std::string debugModeIsOff =
+    "Debug mode is disabled, set debugmode first with -d option\n";
+
+inline const std::string badReply = "Failed to parse reply due to ";
+inline const std::string emptyReply = badReply + "JSON Exception: unexpected end of text\n";
+inline const std::string missingValue = badReply + "Invalid access: Can not convert empty value.\n";
+inline const std::string nullPointer = badReply + "Null pointer\n";
+
+// Requests and replies that many tests need and none is about.
+inline const std::string engineStatusRequest = R"({"command":"engine-status"})";
+inline const char* const debugModeOn = R"({"debugModeEnabled":true,"resultCode":0})";
+inline const char* const debugModeOff = R"({"debugModeEnabled":false,"resultCode":0})";

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+/// What a run of the tool left behind. Compared whole; a failed comparison prints both sides.
+struct Outcome
+{
+    int status = 0;  // exit status; minus the signal's number if one ended the run
+    std::string out; // every byte on standard output
+    std::string err; // every byte on standard error
+
+    bool operator==(const Outcome& other) const;
+};
+void PrintTo(const Outcome& outcome, std::ostream* stream);
+
+/// Which of the tool's streams are a pseudo-terminal; the others are pipes.
+enum class Terminal { None, Output, Error, Both };
+
+/// Runs the tool to its end, with standard input empty.
+///
+/// It is the binary of the same build, or the one that the environment variable QUORLAN_BINARY
+/// names; QUORLAN_LAUNCHER may hold blank-separated words to put in front of it, such as an
+/// emulator.
+Outcome RunTool(const std::vector<std::string>& arguments, Terminal terminal = Terminal::None);
+
+/// The same under another name: a link to the tool whose last path component is name.
+Outcome RunToolAs(const std::string& name, const std::vector<std::string>& arguments);
+
+/// Splits a command line at blanks, for tests that read better with one.
+std::vector<std::string> Words(const std::string& line);

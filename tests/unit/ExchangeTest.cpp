@@ -1,0 +1,111 @@
+#include "app/Quorlan.h"
+#include "engine/Request.h"
+#include "tests/support/ScriptedEngine.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <stdexcept>
+
+#include <Poco/AutoPtr.h>
+#include <Poco/Exception.h>
+
+namespace {
+
+class Exchange: public testing::Test
+{
+protected:
+    /// What the process would end with after what the test did.
+    int ExitStatus() { return quorlan->main({}); }
+
+    Poco::AutoPtr<Quorlan> quorlan{new Quorlan};
+};
+
+} // namespace
+
+TEST_F(Exchange, EmptiesTheReplyBeforeAnythingElse)
+{
+    std::string reply = "text from before";
+
+    EXPECT_FALSE(Quorlan::SendRequest(MakeRequest("list"), reply));
+
+    EXPECT_EQ(reply, "");
+}
+
+TEST_F(Exchange, CollectsExactlyTheBytesThatTheEngineSent)
+{
+    ScriptedEngine engine{R"({"resultCode":0})"};
+    std::string reply = "text from before";
+
+    EXPECT_TRUE(Quorlan::SendRequest(MakeRequest("list"), reply));
+
+    EXPECT_EQ(reply, R"({"resultCode":0})");
+}
+
+TEST_F(Exchange, GivesTheHandlerTheObjectOnceAndBeforeTheResultCode)
+{
+    ScriptedEngine engine{R"({"key":"value","resultCode":3})"};
+    std::vector<std::string> seen;
+
+    quorlan->ExecuteRequest(MakeRequest("status"), [&seen](const Poco::JSON::Object::Ptr& reply) {
+        seen.push_back(reply->getValue<std::string>("key"));
+    });
+
+    EXPECT_EQ(seen, std::vector<std::string>{"value"});
+    EXPECT_EQ(ExitStatus(), 3);
+}
+
+TEST_F(Exchange, KeepsTheHandlerFromABadReply)
+{
+    ScriptedEngine engine{"[]"};
+    bool called = false;
+
+    quorlan->ExecuteRequest(MakeRequest("status"),
+                            [&called](const Poco::JSON::Object::Ptr&) { called = true; });
+
+    EXPECT_FALSE(called);
+    EXPECT_EQ(ExitStatus(), 76);
+}
+
+TEST_F(Exchange, TurnsAPocoExceptionOfTheHandlerIntoAProtocolError)
+{
+    ScriptedEngine engine{R"({"resultCode":3})"};
+
+    testing::internal::CaptureStderr();
+    quorlan->ExecuteRequest(MakeRequest("status"), [](const Poco::JSON::Object::Ptr&) {
+        throw Poco::DataException("half a report");
+    });
+
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Failed to parse reply due to Data error: half a report\n");
+    EXPECT_EQ(ExitStatus(), 76);
+}
+
+TEST_F(Exchange, LetsAnotherExceptionOfTheHandlerPass)
+{
+    ScriptedEngine engine{R"({"resultCode":3})"};
+
+    EXPECT_THROW(quorlan->ExecuteRequest(
+                     MakeRequest("status"),
+                     [](const Poco::JSON::Object::Ptr&) { throw std::runtime_error("other"); }),
+                 std::runtime_error);
+}
+
+TEST_F(Exchange, LetsTheExceptionOfAnEmptyHandlerPass)
+{
+    ScriptedEngine engine{R"({"resultCode":0})"};
+
+    EXPECT_THROW(quorlan->ExecuteRequest(MakeRequest("status"), {}), std::bad_function_call);
+}
+
+TEST_F(Exchange, KeepsAnEarlierFailureWhenALaterCommandSucceeds)
+{
+    ScriptedEngine engine{R"({"resultCode":3})", R"({"resultCode":0})"};
+    const ReplyHandler ignore = [](const Poco::JSON::Object::Ptr&) {
+    };
+
+    quorlan->ExecuteRequest(MakeRequest("status"), ignore);
+    quorlan->ExecuteRequest(MakeRequest("status"), ignore);
+
+    EXPECT_EQ(ExitStatus(), 3);
+}
