@@ -113,7 +113,7 @@ TEST(Connection, LeftOpenAfterAShortReplyLosesTheReply)
 
 TEST(Connection, IsReadUntilTheEngineClosesAlsoBeyondOneBlock)
 {
-    const LongReply reply(8192 * 3 + 17);
+    const LongReply reply(24593);
     ScriptedEngine engine;
     engine.OnConnection(Reply(reply.text));
 
@@ -122,7 +122,7 @@ TEST(Connection, IsReadUntilTheEngineClosesAlsoBeyondOneBlock)
 
 TEST(Connection, LeftOpenAfterWholeBlocksKeepsTheReply)
 {
-    const LongReply reply(8192 * 2);
+    const LongReply reply(16384);
     ScriptedEngine engine;
     engine.OnConnection(Script().AwaitRequest().Send(reply.text).AwaitClientClose());
 

@@ -70,6 +70,7 @@ std::vector<std::string> CommandLine(const std::string& tool,
 pid_t Spawn(std::vector<std::string> words, const Stream& out, const Stream& err)
 {
     std::vector<char*> argv;
+    argv.reserve(words.size() + 1);
     for (std::string& word : words) {
         argv.push_back(word.data());
     }
@@ -175,7 +176,7 @@ Outcome RunToolAs(const std::string& name, const std::vector<std::string>& argum
     Require(mkdtemp(folder.data()) != nullptr, folder);
     const fs::path link = fs::path(folder) / name;
     fs::create_symlink(fs::absolute(ToolPath()), link);
-    const Outcome outcome = Run(CommandLine(link, arguments), Terminal::None);
+    Outcome outcome = Run(CommandLine(link, arguments), Terminal::None);
     fs::remove_all(folder);
     return outcome;
 }
