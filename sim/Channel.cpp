@@ -1,0 +1,83 @@
+#include "sim/Channel.h"
+
+#include <Poco/Net/Socket.h>
+#include <Poco/Timespan.h>
+
+namespace sim {
+
+namespace {
+
+constexpr std::chrono::milliseconds pauseBetweenBytes(10);
+constexpr std::chrono::seconds timeToLeave(5);
+constexpr std::size_t bufferSize = 4096;
+
+Poco::Timespan TimeLeft(Deadline deadline)
+{
+    const auto left = deadline - std::chrono::steady_clock::now();
+    const auto micros = std::chrono::duration_cast<std::chrono::microseconds>(left).count();
+    return Poco::Timespan(micros > 0 ? micros : 0);
+}
+
+} // namespace
+
+Channel::Channel(const Poco::Net::StreamSocket& connected, OpenConnections& openConnections)
+    : socket(connected), open(openConnections)
+{
+    open.Add(socket);
+}
+
+Channel::~Channel()
+{
+    open.Remove(socket);
+}
+
+std::optional<std::size_t> Channel::Receive(char* buffer, std::size_t size, Deadline deadline)
+{
+    if (!socket.poll(TimeLeft(deadline), Poco::Net::Socket::SELECT_READ)) {
+        return std::nullopt;
+    }
+    return static_cast<std::size_t>(socket.receiveBytes(buffer, static_cast<int>(size)));
+}
+
+void Channel::Send(const std::string& bytes)
+{
+    std::size_t sent = 0;
+    while (sent < bytes.size()) {
+        const int count = static_cast<int>(bytes.size() - sent);
+        sent += static_cast<std::size_t>(socket.sendBytes(bytes.data() + sent, count));
+    }
+}
+
+void Channel::SendSlowly(const std::string& bytes)
+{
+    socket.setNoDelay(true);
+    for (const char byte : bytes) {
+        if (open.EndWithin(pauseBetweenBytes)) {
+            return;
+        }
+        Send(std::string(1, byte));
+    }
+}
+
+void Channel::WaitForClientToLeave()
+{
+    char buffer[bufferSize];
+    while (socket.receiveBytes(buffer, bufferSize) > 0) {
+    }
+}
+
+void Channel::Finish()
+{
+    socket.shutdownSend();
+    const Deadline deadline = std::chrono::steady_clock::now() + timeToLeave;
+    char buffer[bufferSize];
+    while (Receive(buffer, sizeof buffer, deadline).value_or(0) > 0) {
+    }
+}
+
+void Channel::ResetOnClose()
+{
+    socket.setLinger(true, 0);
+}
+
+} // namespace sim

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+
+namespace sim {
+
+using TimePoint = std::chrono::steady_clock::time_point;
+
+/// Tells the time. Tests pass one that they move by hand.
+using Clock = std::function<TimePoint()>;
+
+} // namespace sim

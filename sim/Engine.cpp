@@ -1,0 +1,129 @@
+#include "sim/Engine.h"
+
+#include "sim/Reply.h"
+
+#include <Poco/JSON/Array.h>
+#include <Poco/String.h>
+
+#include <utility>
+
+namespace sim {
+
+namespace {
+
+std::string OnOrOff(bool enabled)
+{
+    return enabled ? "enabled" : "disabled";
+}
+
+/// The member as a string, or "" if it is missing or of another type.
+std::string TextMember(const Poco::JSON::Object& request, const std::string& key)
+{
+    const Poco::Dynamic::Var member = request.get(key);
+    return member.isString() ? member.extract<std::string>() : std::string();
+}
+
+Poco::JSON::Array ListEntries(const std::vector<Module>& modules)
+{
+    Poco::JSON::Array entries;
+    for (const Module& module : modules) {
+        Poco::JSON::Object entry;
+        entry.set("name", module.name);
+        entry.set("state", module.state);
+        entry.set("version", module.version);
+        if (module.monitored) {
+            entry.set("monitored", *module.monitored);
+        }
+        entries.add(entry);
+    }
+    return entries;
+}
+
+} // namespace
+
+const Engine::Command Engine::commands[] = {
+    {"debug", &Engine::Debug},
+    {"update", &Engine::StartUpdate},
+    {"update-status", &Engine::UpdateStatus},
+    {"engine-status", &Engine::EngineStatus},
+    {"list", &Engine::List},
+};
+
+Engine::Engine(State initial, Clock clock) : state(std::move(initial)), now(std::move(clock))
+{
+    for (auto* modules : {&state.services, &state.modules}) {
+        for (Module& module : *modules) {
+            if (HasProcess(module.state)) {
+                module.pid = ++lastPid;
+            }
+        }
+    }
+}
+
+Poco::JSON::Object Engine::Answer(const Poco::JSON::Object& request)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    Settle();
+    const std::string name = TextMember(request, "command");
+    if (name.empty()) {
+        return MakeReply(ResultCode::badRequest, "The request has no \"command\"");
+    }
+    for (const Command& command : commands) {
+        if (name == command.name) {
+            return (this->*command.run)(request);
+        }
+    }
+    if (const ModuleCommand* command = FindModuleCommand(name)) {
+        return RunModuleCommand(*command, TextMember(request, "module"));
+    }
+    return MakeReply(ResultCode::unknownCommand, "Unknown command \"" + name + "\"");
+}
+
+Poco::JSON::Object Engine::Debug(const Poco::JSON::Object& request)
+{
+    const std::string choice = Poco::toLower(TextMember(request, "boolean"));
+    if (choice != "true" && choice != "false") {
+        return MakeReply(ResultCode::badRequest,
+                         "\"boolean\" is not the string \"true\" or \"false\"");
+    }
+    state.debugModeEnabled = choice == "true";
+    return MakeReply(ResultCode::success, "Debug mode is " + OnOrOff(state.debugModeEnabled));
+}
+
+Poco::JSON::Object Engine::StartUpdate(const Poco::JSON::Object& /*request*/)
+{
+    if (update.IsRunning(now())) {
+        return MakeReply(ResultCode::wrongState, "An update is already in progress");
+    }
+    update.Start(now(), state.modules.size());
+    return MakeReply(ResultCode::success, "Update started");
+}
+
+Poco::JSON::Object Engine::UpdateStatus(const Poco::JSON::Object& /*request*/)
+{
+    return MakeReply(ResultCode::success, update.Describe(now()));
+}
+
+Poco::JSON::Object Engine::EngineStatus(const Poco::JSON::Object& /*request*/)
+{
+    const bool updating = update.IsRunning(now());
+    Poco::JSON::Object reply = MakeReply(ResultCode::success, "Status of the engine");
+    reply.set("safeModeEnabled", state.safeModeEnabled);
+    reply.set("debugModeEnabled", state.debugModeEnabled);
+    reply.set("state", updating ? std::string("updating") : state.engineState);
+    reply.set("version", state.version);
+    if (state.build) {
+        reply.set("build", *state.build);
+    }
+    return reply;
+}
+
+Poco::JSON::Object Engine::List(const Poco::JSON::Object& /*request*/)
+{
+    Poco::JSON::Object reply = MakeReply(ResultCode::success, "Services and modules");
+    reply.set("services", ListEntries(state.services));
+    reply.set("modules", ListEntries(state.modules));
+    return reply;
+}
+
+} // namespace sim

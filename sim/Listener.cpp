@@ -1,0 +1,55 @@
+#include "sim/Listener.h"
+
+#include "sim/StartError.h"
+
+#include <Poco/Exception.h>
+#include <Poco/Net/ServerSocketImpl.h>
+#include <Poco/Util/Application.h>
+
+#include <sys/socket.h>
+
+namespace sim {
+
+namespace {
+
+/// POCO's own way to a reusable address also lets several processes listen at once, each getting
+/// some of the clients. This one only gets over the closed connections of the last run.
+class ReusableSocketImpl: public Poco::Net::ServerSocketImpl
+{
+public:
+    ReusableSocketImpl()
+    {
+        init(AF_INET);
+        setReuseAddress(true);
+    }
+};
+
+class ListeningSocket: public Poco::Net::ServerSocket
+{
+public:
+    explicit ListeningSocket(const Poco::Net::SocketAddress& address)
+        : ServerSocket(new ReusableSocketImpl, true)
+    {
+        bind(address, false);
+        listen();
+    }
+};
+
+} // namespace
+
+Poco::Net::SocketAddress EngineAddress()
+{
+    return Poco::Net::SocketAddress("127.0.0.1", 7777);
+}
+
+Poco::Net::ServerSocket Listen()
+{
+    try {
+        return ListeningSocket(EngineAddress());
+    } catch (const Poco::Exception& exception) {
+        throw StartError(Poco::Util::Application::EXIT_UNAVAILABLE,
+                         "cannot listen: " + exception.displayText());
+    }
+}
+
+} // namespace sim

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <Poco/JSON/Object.h>
+
+#include <string>
+
+namespace sim {
+
+/// The "resultCode" of a reply. The client takes it as its exit status; they stay clear of 64 to
+/// 78, which the client uses for failures of its own.
+enum class ResultCode : int {
+    success = 0,
+    badRequest = 1,
+    unknownCommand = 2,
+    unknownModule = 3,
+    wrongState = 4,
+    debugModeDisabled = 5,
+    faultInjected = 6,
+};
+
+Poco::JSON::Object MakeReply(ResultCode code, const std::string& description);
+
+/// JSON without blanks and line breaks.
+std::string Compact(const Poco::JSON::Object& object);
+
+} // namespace sim

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+namespace sim {
+
+/// Cuts one JSON object out of a byte stream. The client neither ends the request with anything
+/// nor closes its side, so the closing brace of the outermost object is the only sign of the end.
+/// Whether what stands between the braces is valid is left to the parser.
+class RequestFrame
+{
+public:
+    enum class Progress { incomplete, complete, notAnObject, tooLong };
+
+    static constexpr std::size_t maxLength = 64 * 1024;
+
+    /// Takes the next bytes. Whatever comes after the end of the object is dropped, and so is
+    /// everything after a progress other than incomplete.
+    Progress Take(const char* bytes, std::size_t count);
+
+    /// What was taken so far.
+    const std::string& Text() const { return text; }
+
+private:
+    Progress TakeByte(char byte);
+    void FollowString(char byte);
+
+    std::string text;
+    Progress progress = Progress::incomplete;
+    int depth = 0;
+    bool inString = false;
+    bool escaped = false;
+};
+
+} // namespace sim

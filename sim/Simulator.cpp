@@ -1,0 +1,150 @@
+#include "sim/Simulator.h"
+
+#include "sim/Connection.h"
+#include "sim/Engine.h"
+#include "sim/Faults.h"
+#include "sim/Listener.h"
+#include "sim/Log.h"
+#include "sim/StartError.h"
+#include "sim/StateFile.h"
+
+#include <Poco/AutoPtr.h>
+#include <Poco/Exception.h>
+#include <Poco/Net/TCPServer.h>
+#include <Poco/Net/TCPServerParams.h>
+#include <Poco/ThreadPool.h>
+#include <Poco/Timespan.h>
+#include <Poco/Util/HelpFormatter.h>
+#include <Poco/Util/Option.h>
+#include <Poco/Util/OptionCallback.h>
+
+#include <csignal>
+#include <iomanip>
+#include <iostream>
+
+namespace sim {
+
+namespace {
+
+constexpr int maxConnections = 256;       // more wait until one of these ends
+constexpr long idleMicroseconds = 100000; // a thread that waits for clients notices the end
+
+/// To be called before there is any other thread: threads inherit it, and a signal that reached
+/// one of them would end the process then and there.
+void LeaveSignalsToTheWait()
+{
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGINT);
+    sigaddset(&signals, SIGTERM);
+    sigprocmask(SIG_BLOCK, &signals, nullptr);
+}
+
+Poco::Net::TCPServerParams::Ptr ServerParams()
+{
+    Poco::Net::TCPServerParams::Ptr params = new Poco::Net::TCPServerParams;
+    params->setMaxThreads(maxConnections);
+    params->setMaxQueued(maxConnections);
+    params->setThreadIdleTime(Poco::Timespan(0, idleMicroseconds));
+    return params;
+}
+
+} // namespace
+
+void Simulator::defineOptions(Poco::Util::OptionSet& options)
+{
+    using Poco::Util::Option;
+    using Callback = Poco::Util::OptionCallback<Simulator>;
+
+    // Past ServerApplication, which would add the options of a daemon.
+    Application::defineOptions(options);
+    options.addOption(Option("help", "h", "Display help information")
+                          .callback(Callback(this, &Simulator::HandleHelp)));
+    options.addOption(Option("state", "s", "Read the services and modules from a JSON file")
+                          .argument("<file>")
+                          .callback(Callback(this, &Simulator::HandleState)));
+    options.addOption(Option("fault", "f", "Misbehave on purpose, in one of the ways below")
+                          .argument("<name>")
+                          .callback(Callback(this, &Simulator::HandleFault)));
+}
+
+void Simulator::HandleHelp(const std::string& /*name*/, const std::string& /*value*/)
+{
+    helpRequested = true;
+    stopOptionsProcessing();
+}
+
+void Simulator::HandleState(const std::string& /*name*/, const std::string& value)
+{
+    stateFile = value;
+}
+
+void Simulator::HandleFault(const std::string& /*name*/, const std::string& value)
+{
+    faultName = value;
+}
+
+int Simulator::main(const std::vector<std::string>& args)
+{
+    try {
+        if (helpRequested) {
+            PrintHelp();
+            return EXIT_OK;
+        }
+        if (!args.empty()) {
+            throw StartError(EXIT_USAGE, "unexpected argument \"" + args.front() + "\"");
+        }
+        Serve();
+        return EXIT_OK;
+    } catch (const StartError& error) {
+        Log(error.what());
+        return error.status;
+    }
+}
+
+void Simulator::PrintHelp() const
+{
+    Poco::Util::HelpFormatter formatter(options());
+    formatter.setCommand("vantrel-sim");
+    formatter.setUsage("[--state=<file>] [--fault=<name>]");
+    formatter.setHeader("Stands in for the engine: answers the client on " +
+                        EngineAddress().toString() + " and shows every request on standard error.");
+    formatter.format(std::cout);
+
+    std::cout << "\nFaults, each applied to every connection:\n";
+    for (const Fault& fault : AllFaults()) {
+        std::cout << "  " << std::left << std::setw(16) << fault.name << fault.help << "\n";
+    }
+    std::cout << std::flush;
+}
+
+void Simulator::Serve()
+{
+    const Fault& fault = faultName.empty() ? NoFault() : FindFault(faultName);
+    Engine engine(stateFile.empty() ? DefaultState() : LoadState(stateFile));
+    OpenConnections open;
+    Poco::ThreadPool threads(2, maxConnections);
+    Poco::Net::TCPServer server(new ConnectionFactory(engine, fault, open), threads, Listen(),
+                                ServerParams());
+    server.start();
+    Log("listening on " + EngineAddress().toString());
+    waitForTerminationRequest();
+    server.stop();
+    open.EndAll();
+    threads.joinAll();
+}
+
+int RunSimulator(int argc, char** argv)
+{
+    LeaveSignalsToTheWait();
+    Poco::AutoPtr<Simulator> simulator(new Simulator);
+    try {
+        simulator->init(argc, argv);
+    } catch (const Poco::Exception& exception) {
+        Log(exception.displayText());
+        return Simulator::EXIT_USAGE;
+    }
+    return simulator->run();
+}
+
+} // namespace sim

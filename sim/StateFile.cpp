@@ -1,0 +1,118 @@
+// States as JSON text. Strict about what it reads: a member that is silently ignored would leave
+// its author wondering why the simulator doesn't behave as written.
+
+#include "sim/StateFile.h"
+
+#include "sim/StartError.h"
+#include "sim/StrictObject.h"
+
+#include <Poco/Exception.h>
+#include <Poco/JSON/Array.h>
+#include <Poco/JSON/Parser.h>
+#include <Poco/Util/Application.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <set>
+
+namespace sim {
+
+namespace {
+
+Module ReadModule(const StrictObject& object)
+{
+    object.AllowOnly({"name", "state", "version", "monitored"});
+    Module module;
+    module.name = object.Text("name");
+    if (!IsModuleName(module.name)) {
+        object.Fail("\"name\" is not 1 to 16 letters and digits");
+    }
+    module.state = object.Text("state");
+    module.version = object.Text("version");
+    if (object.Has("monitored")) {
+        module.monitored = object.Flag("monitored");
+    }
+    return module;
+}
+
+std::vector<Module> ReadModules(const StrictObject& root, const std::string& key)
+{
+    const Poco::JSON::Array::Ptr array = root.Array(key);
+    std::vector<Module> modules;
+    for (unsigned int i = 0; i < array->size(); ++i) {
+        const StrictObject entry(array->get(i), root.PathOf(key) + "[" + std::to_string(i) + "]");
+        modules.push_back(ReadModule(entry));
+        if (modules.back().monitored.has_value() != modules.front().monitored.has_value()) {
+            entry.Fail("\"monitored\" must stand in every entry of \"" + key + "\" or in none");
+        }
+    }
+    return modules;
+}
+
+void RefuseSecondUseOfAName(const State& state)
+{
+    std::set<std::string> names;
+    for (const auto* modules : {&state.services, &state.modules}) {
+        for (const Module& module : *modules) {
+            if (!names.insert(module.name).second) {
+                throw StrictObject::Error("the name \"" + module.name + "\" is used twice");
+            }
+        }
+    }
+}
+
+State ReadRoot(const Poco::Dynamic::Var& json)
+{
+    const StrictObject root(json, "");
+    root.AllowOnly({"engine", "services", "modules"});
+    const StrictObject engine(root.Member("engine"), root.PathOf("engine"));
+    engine.AllowOnly({"state", "version", "build", "safeModeEnabled", "debugModeEnabled"});
+
+    State state;
+    state.engineState = engine.Text("state");
+    state.version = engine.Text("version");
+    if (engine.Has("build")) {
+        state.build = engine.Text("build");
+    }
+    state.safeModeEnabled = engine.Flag("safeModeEnabled");
+    state.debugModeEnabled = engine.Flag("debugModeEnabled");
+    state.services = ReadModules(root, "services");
+    state.modules = ReadModules(root, "modules");
+    RefuseSecondUseOfAName(state);
+    return state;
+}
+
+} // namespace
+
+State ReadState(const std::string& json, const std::string& origin)
+{
+    constexpr int status = Poco::Util::Application::EXIT_DATAERR;
+    Poco::Dynamic::Var root;
+    try {
+        root = Poco::JSON::Parser().parse(json);
+    } catch (const Poco::Exception& exception) {
+        throw StartError(status, origin + ": not valid JSON: " + exception.displayText());
+    }
+    try {
+        return ReadRoot(root);
+    } catch (const StrictObject::Error& error) {
+        throw StartError(status, origin + ": " + error.what());
+    }
+}
+
+State LoadState(const std::string& path)
+{
+    errno = 0;
+    std::ifstream file(path, std::ios::binary);
+    const std::string json{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    // A directory can be opened but not read, which shows only in errno.
+    if (!file.is_open() || errno != 0) {
+        throw StartError(Poco::Util::Application::EXIT_NOINPUT,
+                         path + ": cannot be read: " + std::strerror(errno));
+    }
+    return ReadState(json, path);
+}
+
+} // namespace sim

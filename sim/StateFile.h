@@ -1,0 +1,21 @@
+#pragma once
+
+#include "sim/State.h"
+
+#include <string>
+
+namespace sim {
+
+/// Reads a state in the form of default-state.json. The origin names it in errors. Throws
+/// StartError with EXIT_DATAERR for a text that is not JSON, or in which a member is missing,
+/// of the wrong type or unknown.
+State ReadState(const std::string& json, const std::string& origin);
+
+/// Reads a state from a file. Throws like ReadState, and StartError with EXIT_NOINPUT for a file
+/// that cannot be read.
+State LoadState(const std::string& path);
+
+/// The set that the simulator shows when it is given no file.
+State DefaultState();
+
+} // namespace sim

@@ -1,0 +1,76 @@
+#include "sim/StrictObject.h"
+
+#include <algorithm>
+#include <typeinfo>
+
+namespace sim {
+
+StrictObject::StrictObject(const Poco::Dynamic::Var& json, const std::string& pathOfObject)
+    : path(pathOfObject)
+{
+    if (json.isEmpty() || json.type() != typeid(Poco::JSON::Object::Ptr)) {
+        Fail("not a JSON object");
+    }
+    object = json.extract<Poco::JSON::Object::Ptr>();
+}
+
+bool StrictObject::Has(const std::string& key) const
+{
+    return object->has(key);
+}
+
+Poco::Dynamic::Var StrictObject::Member(const std::string& key) const
+{
+    if (!Has(key)) {
+        Fail("\"" + key + "\" is missing");
+    }
+    return object->get(key);
+}
+
+std::string StrictObject::Text(const std::string& key) const
+{
+    const Poco::Dynamic::Var member = Member(key);
+    if (!member.isString() || member.extract<std::string>().empty()) {
+        Fail("\"" + key + "\" is not a string with at least one character");
+    }
+    return member.extract<std::string>();
+}
+
+bool StrictObject::Flag(const std::string& key) const
+{
+    const Poco::Dynamic::Var member = Member(key);
+    if (!member.isBoolean()) {
+        Fail("\"" + key + "\" is neither true nor false");
+    }
+    return member.extract<bool>();
+}
+
+Poco::JSON::Array::Ptr StrictObject::Array(const std::string& key) const
+{
+    Member(key);
+    if (!object->isArray(key)) {
+        Fail("\"" + key + "\" is not an array");
+    }
+    return object->getArray(key);
+}
+
+void StrictObject::AllowOnly(const std::vector<std::string>& keys) const
+{
+    for (const auto& member : *object) {
+        if (std::find(keys.begin(), keys.end(), member.first) == keys.end()) {
+            Fail("\"" + member.first + "\" is not known here");
+        }
+    }
+}
+
+std::string StrictObject::PathOf(const std::string& key) const
+{
+    return path.empty() ? key : path + "." + key;
+}
+
+void StrictObject::Fail(const std::string& problem) const
+{
+    throw Error(path.empty() ? problem : path + ": " + problem);
+}
+
+} // namespace sim

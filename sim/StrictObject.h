@@ -1,0 +1,40 @@
+#pragma once
+
+#include <Poco/Dynamic/Var.h>
+#include <Poco/JSON/Array.h>
+#include <Poco/JSON/Object.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace sim {
+
+/// A JSON object whose members are taken without any conversion. Whatever is not as expected
+/// throws Error with a text that says where in the file it is, such as
+/// modules[2]: "state" is missing.
+class StrictObject
+{
+public:
+    using Error = std::runtime_error;
+
+    /// The path says where the object stands; it is empty for the root.
+    StrictObject(const Poco::Dynamic::Var& json, const std::string& path);
+
+    bool Has(const std::string& key) const;
+    Poco::Dynamic::Var Member(const std::string& key) const;
+    /// A string of at least one character.
+    std::string Text(const std::string& key) const;
+    bool Flag(const std::string& key) const;
+    Poco::JSON::Array::Ptr Array(const std::string& key) const;
+
+    void AllowOnly(const std::vector<std::string>& keys) const;
+    std::string PathOf(const std::string& key) const;
+    [[noreturn]] void Fail(const std::string& problem) const;
+
+private:
+    Poco::JSON::Object::Ptr object;
+    std::string path;
+};
+
+} // namespace sim
