@@ -2,7 +2,6 @@
 
 #include "sim/Log.h"
 #include "sim/Reply.h"
-#include "sim/Request.h"
 
 #include <Poco/Exception.h>
 
@@ -16,34 +15,31 @@ Connection::Connection(const Poco::Net::StreamSocket& socket, Engine& simulated,
 
 void Connection::run()
 {
-    try {
-        Channel channel(socket(), open);
-        Serve(channel);
-    } catch (const Poco::Exception& exception) {
-        Log("connection lost: " + Printable(exception.displayText()));
-    }
-}
-
-void Connection::Serve(Channel& channel)
-{
-    const std::string faultNote = *fault.name == '\0' ? "" : std::string(" [") + fault.name + "]";
-    std::string request;
-    std::string text;
+    Channel channel(socket(), open);
+    Request request;
+    std::string reply;
     if (fault.readsRequest) {
-        text = fault.write(ReplyTo(channel, request));
+        request = ReadRequest(channel);
+        reply = fault.write(AnswerTo(request));
     }
-    Log(Printable(request) + " -> " + Printable(text) + faultNote);
-    fault.send(channel, text);
+    LogExchange(request.text, reply);
+    try {
+        fault.send(channel, reply);
+    } catch (const Poco::IOException&) {
+        // The client did not wait for the end of the reply. That is its own affair.
+    }
 }
 
-Poco::JSON::Object Connection::ReplyTo(Channel& channel, std::string& request)
+Poco::JSON::Object Connection::AnswerTo(const Request& request)
 {
-    try {
-        ReadRequest(channel, request);
-        return fault.answer(engine, *ParseRequest(request));
-    } catch (const BadRequest& problem) {
-        return MakeReply(ResultCode::badRequest, problem.what());
-    }
+    return request.problem.empty() ? fault.answer(engine, *request.object)
+                                   : MakeReply(ResultCode::BadRequest, request.problem);
+}
+
+void Connection::LogExchange(const std::string& request, const std::string& reply)
+{
+    const std::string name = fault.name;
+    Log(Printable(request) + " -> " + Printable(reply) + (name.empty() ? "" : " [" + name + "]"));
 }
 
 ConnectionFactory::ConnectionFactory(Engine& simulated, const Fault& treatment,

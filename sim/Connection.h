@@ -3,9 +3,13 @@
 #include "sim/Engine.h"
 #include "sim/Faults.h"
 #include "sim/OpenConnections.h"
+#include "sim/Request.h"
 
+#include <Poco/JSON/Object.h>
 #include <Poco/Net/TCPServerConnection.h>
 #include <Poco/Net/TCPServerConnectionFactory.h>
+
+#include <string>
 
 namespace sim {
 
@@ -19,8 +23,8 @@ public:
     void run() override;
 
 private:
-    void Serve(Channel& channel);
-    Poco::JSON::Object ReplyTo(Channel& channel, std::string& request);
+    Poco::JSON::Object AnswerTo(const Request& request);
+    void LogExchange(const std::string& request, const std::string& reply);
 
     Engine& engine;
     const Fault& fault;

@@ -23,9 +23,9 @@ std::string TextMember(const Poco::JSON::Object& request, const std::string& key
     return member.isString() ? member.extract<std::string>() : std::string();
 }
 
-Poco::JSON::Array ListEntries(const std::vector<Module>& modules)
+Poco::JSON::Array::Ptr ListEntries(const std::vector<Module>& modules)
 {
-    Poco::JSON::Array entries;
+    Poco::JSON::Array::Ptr entries = new Poco::JSON::Array;
     for (const Module& module : modules) {
         Poco::JSON::Object entry;
         entry.set("name", module.name);
@@ -34,7 +34,7 @@ Poco::JSON::Array ListEntries(const std::vector<Module>& modules)
         if (module.monitored) {
             entry.set("monitored", *module.monitored);
         }
-        entries.add(entry);
+        entries->add(entry);
     }
     return entries;
 }
@@ -66,7 +66,7 @@ Poco::JSON::Object Engine::Answer(const Poco::JSON::Object& request)
     Settle();
     const std::string name = TextMember(request, "command");
     if (name.empty()) {
-        return MakeReply(ResultCode::badRequest, "The request has no \"command\"");
+        return MakeReply(ResultCode::BadRequest, "The request has no \"command\"");
     }
     for (const Command& command : commands) {
         if (name == command.name) {
@@ -76,38 +76,38 @@ Poco::JSON::Object Engine::Answer(const Poco::JSON::Object& request)
     if (const ModuleCommand* command = FindModuleCommand(name)) {
         return RunModuleCommand(*command, TextMember(request, "module"));
     }
-    return MakeReply(ResultCode::unknownCommand, "Unknown command \"" + name + "\"");
+    return MakeReply(ResultCode::UnknownCommand, "Unknown command \"" + name + "\"");
 }
 
 Poco::JSON::Object Engine::Debug(const Poco::JSON::Object& request)
 {
     const std::string choice = Poco::toLower(TextMember(request, "boolean"));
     if (choice != "true" && choice != "false") {
-        return MakeReply(ResultCode::badRequest,
+        return MakeReply(ResultCode::BadRequest,
                          "\"boolean\" is not the string \"true\" or \"false\"");
     }
     state.debugModeEnabled = choice == "true";
-    return MakeReply(ResultCode::success, "Debug mode is " + OnOrOff(state.debugModeEnabled));
+    return MakeReply(ResultCode::Success, "Debug mode is " + OnOrOff(state.debugModeEnabled));
 }
 
 Poco::JSON::Object Engine::StartUpdate(const Poco::JSON::Object& /*request*/)
 {
     if (update.IsRunning(now())) {
-        return MakeReply(ResultCode::wrongState, "An update is already in progress");
+        return MakeReply(ResultCode::WrongState, "An update is already in progress");
     }
     update.Start(now(), state.modules.size());
-    return MakeReply(ResultCode::success, "Update started");
+    return MakeReply(ResultCode::Success, "Update started");
 }
 
 Poco::JSON::Object Engine::UpdateStatus(const Poco::JSON::Object& /*request*/)
 {
-    return MakeReply(ResultCode::success, update.Describe(now()));
+    return MakeReply(ResultCode::Success, update.Describe(now()));
 }
 
 Poco::JSON::Object Engine::EngineStatus(const Poco::JSON::Object& /*request*/)
 {
     const bool updating = update.IsRunning(now());
-    Poco::JSON::Object reply = MakeReply(ResultCode::success, "Status of the engine");
+    Poco::JSON::Object reply = MakeReply(ResultCode::Success, "Status of the engine");
     reply.set("safeModeEnabled", state.safeModeEnabled);
     reply.set("debugModeEnabled", state.debugModeEnabled);
     reply.set("state", updating ? std::string("updating") : state.engineState);
@@ -120,7 +120,7 @@ Poco::JSON::Object Engine::EngineStatus(const Poco::JSON::Object& /*request*/)
 
 Poco::JSON::Object Engine::List(const Poco::JSON::Object& /*request*/)
 {
-    Poco::JSON::Object reply = MakeReply(ResultCode::success, "Services and modules");
+    Poco::JSON::Object reply = MakeReply(ResultCode::Success, "Services and modules");
     reply.set("services", ListEntries(state.services));
     reply.set("modules", ListEntries(state.modules));
     return reply;

@@ -5,7 +5,6 @@
 #include "sim/Reply.h"
 #include "sim/StartError.h"
 
-#include <Poco/JSON/Array.h>
 #include <Poco/Util/Application.h>
 
 #include <algorithm>
@@ -14,7 +13,7 @@ namespace sim {
 
 namespace {
 
-constexpr int hugeListLength = 100000; // some 7 megabytes
+constexpr int hugeListLength = 100000; // about 7 megabytes
 
 Poco::JSON::Object AskEngine(Engine& engine, const Poco::JSON::Object& request)
 {
@@ -23,24 +22,7 @@ Poco::JSON::Object AskEngine(Engine& engine, const Poco::JSON::Object& request)
 
 Poco::JSON::Object Refuse(Engine& /*engine*/, const Poco::JSON::Object& /*request*/)
 {
-    return MakeReply(ResultCode::faultInjected, "Refused on purpose");
-}
-
-Poco::JSON::Object AskEngineAndEnlarge(Engine& engine, const Poco::JSON::Object& request)
-{
-    Poco::JSON::Object reply = engine.Answer(request);
-    if (Poco::JSON::Array::Ptr modules = reply.getArray("modules")) {
-        for (int i = 0; i < hugeListLength; ++i) {
-            Poco::JSON::Object entry;
-            entry.set("name", "huge" + std::to_string(i));
-            entry.set("state", "running");
-            entry.set("version", "1.0.0");
-            entry.set("monitored", true);
-            modules->add(entry);
-        }
-        reply.set("modules", modules); // getArray may have given a copy
-    }
-    return reply;
+    return MakeReply(ResultCode::FaultInjected, "Refused on purpose");
 }
 
 std::string InAnArray(const Poco::JSON::Object& reply)
@@ -50,7 +32,12 @@ std::string InAnArray(const Poco::JSON::Object& reply)
 
 std::string Garbage(const Poco::JSON::Object& /*reply*/)
 {
-    return "This is not JSON\n";
+    return "This is not JSON";
+}
+
+std::string Nothing(const Poco::JSON::Object& /*reply*/)
+{
+    return "";
 }
 
 std::string WithoutResultCode(const Poco::JSON::Object& reply)
@@ -60,25 +47,35 @@ std::string WithoutResultCode(const Poco::JSON::Object& reply)
     return Compact(rest);
 }
 
-std::string FirstHalf(const std::string& text)
+std::string WithHugeList(const Poco::JSON::Object& reply)
 {
+    const std::string begin = "\"modules\":[";
+    const std::string entry =
+        R"({"name":"huge","state":"running","version":"1.0.0","monitored":true})";
+
+    std::string text = Compact(reply);
+    const std::size_t found = text.find(begin);
+    if (found == std::string::npos) {
+        return text;
+    }
+    const std::size_t first = found + begin.size();
+    std::string entries = entry;
+    for (int i = 1; i < hugeListLength; ++i) {
+        entries += "," + entry;
+    }
+    return text.insert(first, text[first] == ']' ? entries : entries + ",");
+}
+
+std::string FirstHalf(const Poco::JSON::Object& reply)
+{
+    const std::string text = Compact(reply);
     return text.substr(0, text.size() / 2);
 }
 
-void SendWhole(Channel& channel, const std::string& text)
+void Send(Channel& channel, const std::string& text)
 {
     channel.Send(text);
     channel.Finish();
-}
-
-void SendNothingAndClose(Channel& channel, const std::string& /*text*/)
-{
-    channel.Finish();
-}
-
-void SendNothing(Channel& channel, const std::string& /*text*/)
-{
-    channel.WaitForClientToLeave();
 }
 
 void SendSlowly(Channel& channel, const std::string& text)
@@ -87,14 +84,15 @@ void SendSlowly(Channel& channel, const std::string& text)
     channel.Finish();
 }
 
-void SendHalf(Channel& channel, const std::string& text)
+void SendAndStay(Channel& channel, const std::string& text)
 {
-    SendWhole(channel, FirstHalf(text));
+    channel.Send(text);
+    channel.WaitForClientToLeave();
 }
 
-void SendHalfAndReset(Channel& channel, const std::string& text)
+void SendAndReset(Channel& channel, const std::string& text)
 {
-    channel.Send(FirstHalf(text));
+    channel.Send(text);
     channel.ResetOnClose();
 }
 
@@ -102,31 +100,36 @@ void SendHalfAndReset(Channel& channel, const std::string& text)
 
 const Fault& NoFault()
 {
-    static const Fault none = {"", "", true, AskEngine, Compact, SendWhole};
+    static const Fault none = {"", "", true, AskEngine, Compact, Send};
     return none;
 }
 
 const std::vector<Fault>& AllFaults()
 {
+    // clang-format off
     static const std::vector<Fault> faults = {
-        {"close", "closes the connection at once after accepting it", false, AskEngine, Compact,
-         SendNothingAndClose},
-        {"silent", "reads the request and never answers", true, AskEngine, Compact, SendNothing},
-        {"slow", "sends the reply a byte at a time, 100 bytes a second", true, AskEngine, Compact,
-         SendSlowly},
-        {"half", "sends half of the reply and closes", true, AskEngine, Compact, SendHalf},
-        {"garbage", "replies with something that is not JSON", true, AskEngine, Garbage, SendWhole},
-        {"wrong-type", "replies with a JSON array in place of the object", true, AskEngine,
-         InAnArray, SendWhole},
-        {"no-result-code", "leaves \"resultCode\" out of the reply", true, AskEngine,
-         WithoutResultCode, SendWhole},
-        {"error-code", "refuses every request with a code and a sentence", true, Refuse, Compact,
-         SendWhole},
-        {"huge", "answers \"list\" with many megabytes", true, AskEngineAndEnlarge, Compact,
-         SendWhole},
-        {"reset", "sends half of the reply and resets the connection", true, AskEngine, Compact,
-         SendHalfAndReset},
+        {"close", "closes the connection at once after accepting it",
+         false, AskEngine, Nothing, Send},
+        {"silent", "reads the request and never answers",
+         true, AskEngine, Nothing, SendAndStay},
+        {"slow", "sends the reply a byte at a time",
+         true, AskEngine, Compact, SendSlowly},
+        {"half", "sends half of the reply and closes",
+         true, AskEngine, FirstHalf, Send},
+        {"garbage", "replies with something that is not JSON",
+         true, AskEngine, Garbage, Send},
+        {"wrong-type", "replies with a JSON array in place of the object",
+         true, AskEngine, InAnArray, Send},
+        {"no-result-code", "leaves \"resultCode\" out of the reply",
+         true, AskEngine, WithoutResultCode, Send},
+        {"error-code", "refuses every request with a code and a sentence",
+         true, Refuse, Compact, Send},
+        {"huge", "answers \"list\" with many megabytes",
+         true, AskEngine, WithHugeList, Send},
+        {"reset", "sends half of the reply and resets the connection",
+         true, AskEngine, FirstHalf, SendAndReset},
     };
+    // clang-format on
     return faults;
 }
 

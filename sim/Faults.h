@@ -15,10 +15,10 @@ struct Fault
 {
     const char* name;
     const char* help;
-    bool readsRequest;
+    bool readsRequest; ///< False: answer and write are not used, and an empty text is sent.
     Poco::JSON::Object (*answer)(Engine& engine, const Poco::JSON::Object& request);
     std::string (*write)(const Poco::JSON::Object& reply);
-    /// Leaves the connection as it is to be closed.
+    /// Leaves the connection ready to be closed.
     void (*send)(Channel& channel, const std::string& text);
 };
 

@@ -16,6 +16,9 @@ void Log(const std::string& line)
 std::string Printable(const std::string& text)
 {
     constexpr std::size_t maxLength = 160;
+    if (text.empty()) {
+        return "(nothing)";
+    }
     std::string line = text.substr(0, maxLength);
     std::replace_if(
         line.begin(), line.end(), [](char c) { return !Poco::Ascii::isPrintable(c); }, '?');

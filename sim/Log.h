@@ -8,7 +8,8 @@ namespace sim {
 void Log(const std::string& line);
 
 /// The text made fit for a line: cut to what is worth reading, and every byte that is not a
-/// printable ASCII character replaced, since clients may send anything.
+/// printable ASCII character replaced, since clients may send anything. "(nothing)" for an empty
+/// one.
 std::string Printable(const std::string& text);
 
 } // namespace sim

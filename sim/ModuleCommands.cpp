@@ -14,12 +14,12 @@ constexpr std::chrono::seconds reconfigureTime(2);
 
 Poco::JSON::Object Done(const std::string& sentence)
 {
-    return MakeReply(ResultCode::success, sentence);
+    return MakeReply(ResultCode::Success, sentence);
 }
 
 Poco::JSON::Object RefuseInState(const Module& module, const std::string& what)
 {
-    return MakeReply(ResultCode::wrongState,
+    return MakeReply(ResultCode::WrongState,
                      module.name + " " + what + ": its state is \"" + module.state + "\"");
 }
 
@@ -44,14 +44,14 @@ Poco::JSON::Object Engine::RunModuleCommand(const ModuleCommand& command,
                                             const std::string& moduleName)
 {
     if (!IsModuleName(moduleName)) {
-        return MakeReply(ResultCode::badRequest, "\"module\" is not 1 to 16 letters and digits");
+        return MakeReply(ResultCode::BadRequest, "\"module\" is not 1 to 16 letters and digits");
     }
     if (command.needsDebugMode && !state.debugModeEnabled) {
-        return MakeReply(ResultCode::debugModeDisabled, "Debug mode is disabled");
+        return MakeReply(ResultCode::DebugModeDisabled, "Debug mode is disabled");
     }
     Module* const module = FindModule(moduleName);
     if (module == nullptr) {
-        return MakeReply(ResultCode::unknownModule, "Unknown module \"" + moduleName + "\"");
+        return MakeReply(ResultCode::UnknownModule, "Unknown module \"" + moduleName + "\"");
     }
     return (this->*command.run)(*module);
 }
@@ -123,7 +123,7 @@ Poco::JSON::Object Engine::Reconfigure(Module& module)
 Poco::JSON::Object Engine::Monitor(Module& module)
 {
     if (!module.monitored.value_or(false)) {
-        return MakeReply(ResultCode::wrongState,
+        return MakeReply(ResultCode::WrongState,
                          module.name + " is not monitored: there is nothing to stop");
     }
     module.monitored = false;

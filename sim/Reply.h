@@ -9,13 +9,13 @@ namespace sim {
 /// The "resultCode" of a reply. The client takes it as its exit status; they stay clear of 64 to
 /// 78, which the client uses for failures of its own.
 enum class ResultCode : int {
-    success = 0,
-    badRequest = 1,
-    unknownCommand = 2,
-    unknownModule = 3,
-    wrongState = 4,
-    debugModeDisabled = 5,
-    faultInjected = 6,
+    Success = 0,
+    BadRequest = 1,
+    UnknownCommand = 2,
+    UnknownModule = 3,
+    WrongState = 4,
+    DebugModeDisabled = 5,
+    FaultInjected = 6,
 };
 
 Poco::JSON::Object MakeReply(ResultCode code, const std::string& description);

@@ -12,52 +12,58 @@ namespace {
 constexpr std::chrono::seconds timeForRequest(5);
 constexpr std::size_t bufferSize = 4096;
 
-/// Takes bytes until the frame is other than incomplete, and says what it is then.
-RequestFrame::Progress Fill(RequestFrame& frame, Channel& channel)
+/// Takes what arrives until it makes one object. The result is what is wrong with it, or "".
+std::string Fill(RequestFrame& frame, Channel& channel)
 {
     const Deadline deadline = std::chrono::steady_clock::now() + timeForRequest;
     char buffer[bufferSize];
-    auto progress = RequestFrame::Progress::incomplete;
-    while (progress == RequestFrame::Progress::incomplete) {
+    for (;;) {
         const auto count = channel.Receive(buffer, bufferSize, deadline);
         if (!count) {
-            throw BadRequest("The request was not complete within 5 seconds");
+            return "The request was not complete within 5 seconds";
         }
         if (*count == 0) {
-            throw BadRequest("The request ended before its closing brace");
+            return "The request ended before its closing brace";
         }
-        progress = frame.Take(buffer, *count);
+        switch (frame.Take(buffer, *count)) {
+        case RequestFrame::Progress::Complete:
+            return "";
+        case RequestFrame::Progress::NotAnObject:
+            return "The request is not a JSON object";
+        case RequestFrame::Progress::TooLong:
+            return "The request is longer than 64 KiB";
+        case RequestFrame::Progress::Incomplete:
+            break;
+        }
     }
-    return progress;
+}
+
+void Parse(Request& request)
+{
+    try {
+        const Poco::Dynamic::Var json = Poco::JSON::Parser().parse(request.text);
+        request.object = json.extract<Poco::JSON::Object::Ptr>();
+    } catch (const Poco::Exception& exception) {
+        request.problem = "The request is not valid JSON: " + exception.message();
+    }
 }
 
 } // namespace
 
-void ReadRequest(Channel& channel, std::string& text)
+Request ReadRequest(Channel& channel)
 {
     RequestFrame frame;
+    Request request;
     try {
-        switch (Fill(frame, channel)) {
-        case RequestFrame::Progress::notAnObject:
-            throw BadRequest("The request is not a JSON object");
-        case RequestFrame::Progress::tooLong:
-            throw BadRequest("The request is longer than 64 KiB");
-        default:
-            text = frame.Text();
-        }
-    } catch (const BadRequest&) {
-        text = frame.Text();
-        throw;
+        request.problem = Fill(frame, channel);
+    } catch (const Poco::IOException&) {
+        request.problem = "The connection broke before the request was complete";
     }
-}
-
-Poco::JSON::Object::Ptr ParseRequest(const std::string& text)
-{
-    try {
-        return Poco::JSON::Parser().parse(text).extract<Poco::JSON::Object::Ptr>();
-    } catch (const Poco::Exception& exception) {
-        throw BadRequest("The request is not valid JSON: " + exception.displayText());
+    request.text = frame.Text();
+    if (request.problem.empty()) {
+        Parse(request);
     }
+    return request;
 }
 
 } // namespace sim

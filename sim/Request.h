@@ -4,19 +4,20 @@
 
 #include <Poco/JSON/Object.h>
 
-#include <stdexcept>
 #include <string>
 
 namespace sim {
 
-/// A request that is none; the text says why, as a sentence for the client.
-using BadRequest = std::runtime_error;
+/// What a client sent.
+struct Request
+{
+    std::string text;               ///< As it arrived, at most 64 KiB of it.
+    Poco::JSON::Object::Ptr object; ///< Null if there is a problem.
+    std::string problem;            ///< Why it is no request, as a sentence for the client.
+};
 
-/// Reads the text of one request and puts what arrived into text, also when it throws BadRequest
-/// for one that is too long, that is no JSON object or that is not complete within 5 seconds.
-void ReadRequest(Channel& channel, std::string& text);
-
-/// Throws BadRequest for a text that is not a JSON object.
-Poco::JSON::Object::Ptr ParseRequest(const std::string& text);
+/// Reads one request. It is one if it is a JSON object of at most 64 KiB and complete within 5
+/// seconds.
+Request ReadRequest(Channel& channel);
 
 } // namespace sim

@@ -6,7 +6,7 @@ namespace sim {
 
 RequestFrame::Progress RequestFrame::Take(const char* bytes, std::size_t count)
 {
-    for (std::size_t i = 0; i < count && progress == Progress::incomplete; ++i) {
+    for (std::size_t i = 0; i < count && progress == Progress::Incomplete; ++i) {
         progress = TakeByte(bytes[i]);
     }
     return progress;
@@ -15,17 +15,17 @@ RequestFrame::Progress RequestFrame::Take(const char* bytes, std::size_t count)
 RequestFrame::Progress RequestFrame::TakeByte(char byte)
 {
     if (text.size() == maxLength) {
-        return Progress::tooLong;
+        return Progress::TooLong;
     }
     text += byte;
     if (inString) {
         FollowString(byte);
-        return Progress::incomplete;
+        return Progress::Incomplete;
     }
     if (depth == 0) {
         depth = byte == '{' ? 1 : 0;
         const bool mayStillBegin = depth == 1 || Poco::Ascii::isSpace(byte);
-        return mayStillBegin ? Progress::incomplete : Progress::notAnObject;
+        return mayStillBegin ? Progress::Incomplete : Progress::NotAnObject;
     }
     if (byte == '"') {
         inString = true;
@@ -34,7 +34,7 @@ RequestFrame::Progress RequestFrame::TakeByte(char byte)
     } else if (byte == '}') {
         --depth;
     }
-    return depth == 0 ? Progress::complete : Progress::incomplete;
+    return depth == 0 ? Progress::Complete : Progress::Incomplete;
 }
 
 void RequestFrame::FollowString(char byte)

@@ -11,12 +11,12 @@ namespace sim {
 class RequestFrame
 {
 public:
-    enum class Progress { incomplete, complete, notAnObject, tooLong };
+    enum class Progress { Incomplete, Complete, NotAnObject, TooLong };
 
     static constexpr std::size_t maxLength = 64 * 1024;
 
     /// Takes the next bytes. Whatever comes after the end of the object is dropped, and so is
-    /// everything after a progress other than incomplete.
+    /// everything after a progress other than Incomplete.
     Progress Take(const char* bytes, std::size_t count);
 
     /// What was taken so far.
@@ -27,7 +27,7 @@ private:
     void FollowString(char byte);
 
     std::string text;
-    Progress progress = Progress::incomplete;
+    Progress progress = Progress::Incomplete;
     int depth = 0;
     bool inString = false;
     bool escaped = false;

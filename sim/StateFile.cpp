@@ -93,7 +93,7 @@ State ReadState(const std::string& json, const std::string& origin)
     try {
         root = Poco::JSON::Parser().parse(json);
     } catch (const Poco::Exception& exception) {
-        throw StartError(status, origin + ": not valid JSON: " + exception.displayText());
+        throw StartError(status, origin + ": not valid JSON: " + exception.message());
     }
     try {
         return ReadRoot(root);
