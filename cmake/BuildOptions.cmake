@@ -20,7 +20,6 @@ target_compile_options(
             -Wcast-align
             -Wcast-qual
             -Wformat=2
-            -Wnull-dereference
             -Wimplicit-fallthrough
             -Wundef
             $<$<CXX_COMPILER_ID:GNU>:-Wlogical-op
