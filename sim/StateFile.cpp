@@ -14,8 +14,8 @@
 #include <cerrno>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <set>
+#include <sstream>
 
 namespace sim {
 
@@ -106,13 +106,14 @@ State LoadState(const std::string& path)
 {
     errno = 0;
     std::ifstream file(path, std::ios::binary);
-    const std::string json{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    std::ostringstream json;
+    json << file.rdbuf();
     // A directory can be opened but not read, which shows only in errno.
     if (!file.is_open() || errno != 0) {
         throw StartError(Poco::Util::Application::EXIT_NOINPUT,
                          path + ": cannot be read: " + std::strerror(errno));
     }
-    return ReadState(json, path);
+    return ReadState(json.str(), path);
 }
 
 } // namespace sim

@@ -1,0 +1,141 @@
+#include "sim/Faults.h"
+#include "sim/Engine.h"
+#include "sim/Reply.h"
+#include "sim/StartError.h"
+#include "sim/StateFile.h"
+
+#include <Poco/JSON/Array.h>
+#include <Poco/JSON/Parser.h>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// What a connection with the fault would say to a request, and what the engine is left with.
+class SimFault: public testing::Test
+{
+protected:
+    std::string TextOf(const std::string& fault, const std::string& command)
+    {
+        Poco::JSON::Object request;
+        request.set("command", command);
+        request.set("boolean", "true");
+        const sim::Fault& treatment = fault.empty() ? sim::NoFault() : sim::FindFault(fault);
+        return treatment.write(treatment.answer(engine, request));
+    }
+
+    sim::Engine engine{sim::DefaultState()};
+};
+
+const char* const plainText = R"({"description":"No update has been requested","resultCode":0})";
+
+const std::string begin = R"("modules":[)";
+const std::string entry = R"({"name":"huge","state":"running","version":"1.0.0","monitored":true})";
+
+std::string Repeated(const std::string& text, int count)
+{
+    std::string all;
+    for (int i = 0; i < count; ++i) {
+        all += text;
+    }
+    return all;
+}
+
+} // namespace
+
+TEST_F(SimFault, MayBeNone)
+{
+    EXPECT_EQ(TextOf("", "update-status"), plainText);
+    EXPECT_TRUE(sim::NoFault().readsRequest);
+}
+
+TEST_F(SimFault, CloseDoesNotReadTheRequest)
+{
+    EXPECT_FALSE(sim::FindFault("close").readsRequest);
+}
+
+TEST_F(SimFault, SilentSaysNothing)
+{
+    EXPECT_EQ(TextOf("silent", "update-status"), "");
+}
+
+TEST_F(SimFault, SlowSaysWhatIsRight)
+{
+    EXPECT_EQ(TextOf("slow", "update-status"), plainText);
+}
+
+TEST_F(SimFault, HalfAndResetSayTheFirstHalf)
+{
+    EXPECT_EQ(TextOf("half", "update-status"), R"({"description":"No update has )");
+    EXPECT_EQ(TextOf("reset", "update-status"), R"({"description":"No update has )");
+}
+
+TEST_F(SimFault, GarbageIsNotJson)
+{
+    EXPECT_THROW(Poco::JSON::Parser().parse(TextOf("garbage", "update-status")), Poco::Exception);
+}
+
+TEST_F(SimFault, WrongTypeIsAnArray)
+{
+    EXPECT_EQ(TextOf("wrong-type", "update-status"), "[" + std::string(plainText) + "]");
+}
+
+TEST_F(SimFault, NoResultCodeLeavesNothingElseOut)
+{
+    EXPECT_EQ(TextOf("no-result-code", "update-status"),
+              R"({"description":"No update has been requested"})");
+}
+
+TEST_F(SimFault, ErrorCodeRefusesAndChangesNothing)
+{
+    EXPECT_EQ(TextOf("error-code", "debug"),
+              R"({"description":"Refused on purpose","resultCode":6})");
+    EXPECT_NE(TextOf("", "engine-status").find(R"("debugModeEnabled":false)"), std::string::npos);
+}
+
+TEST_F(SimFault, HugePutsManyMegabytesBeforeTheModules)
+{
+    std::string expected = TextOf("", "list");
+    expected.insert(expected.find(begin) + begin.size(), Repeated(entry + ",", 100000));
+
+    const std::string text = TextOf("huge", "list");
+
+    EXPECT_GT(text.size(), 6U * 1024 * 1024);
+    EXPECT_TRUE(text == expected) << "begins with " << text.substr(0, 1000);
+}
+
+TEST_F(SimFault, HugeNeedsNoModulesOfTheEngine)
+{
+    Poco::JSON::Object reply;
+    reply.set("modules", Poco::JSON::Array::Ptr(new Poco::JSON::Array));
+
+    const std::string text = sim::FindFault("huge").write(reply);
+
+    EXPECT_TRUE(text == "{" + begin + Repeated(entry + ",", 99999) + entry + "]}")
+        << "ends with " << text.substr(text.size() - 1000);
+}
+
+TEST_F(SimFault, HugeLeavesOtherCommandsAlone)
+{
+    EXPECT_EQ(TextOf("huge", "update-status"), plainText);
+}
+
+TEST(SimFaults, AreFoundByTheirNameAndHaveAHelpOfOneLine)
+{
+    for (const sim::Fault& fault : sim::AllFaults()) {
+        EXPECT_EQ(&sim::FindFault(fault.name), &fault) << fault.name;
+        EXPECT_NE(std::string(fault.help), "") << fault.name;
+        EXPECT_EQ(std::string(fault.help).find('\n'), std::string::npos) << fault.name;
+    }
+}
+
+TEST(SimFaults, UnknownIsAUsageError)
+{
+    try {
+        sim::FindFault("fire");
+        FAIL() << "found";
+    } catch (const sim::StartError& error) {
+        EXPECT_EQ(error.status, 64);
+        EXPECT_STREQ(error.what(), "unknown fault \"fire\" (--help lists them)");
+    }
+}

@@ -1,0 +1,180 @@
+#include "sim/StateFile.h"
+#include "sim/StartError.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace {
+
+constexpr int dataError = 65;
+constexpr int noInput = 66;
+
+const std::string engineMember = R"("engine": {"state": "running", "version": "1",
+    "safeModeEnabled": false, "debugModeEnabled": true})";
+
+std::string Error(int status, const std::string& message)
+{
+    return std::to_string(status) + " " + message;
+}
+
+template <typename Function>
+std::string ErrorOf(Function function)
+{
+    try {
+        function();
+    } catch (const sim::StartError& error) {
+        return Error(error.status, error.what());
+    }
+    return "no error";
+}
+
+std::string ErrorOfReading(const std::string& json)
+{
+    return ErrorOf([&json] { sim::ReadState(json, "my.json"); });
+}
+
+/// The error of a state whose modules are these.
+std::string ErrorOfModules(const std::string& modules)
+{
+    return ErrorOfReading("{" + engineMember + R"(, "services": [], "modules": )" + modules + "}");
+}
+
+std::string ErrorOfEngine(const std::string& engine)
+{
+    return ErrorOfReading(R"({"engine": )" + engine + R"(, "services": [], "modules": []})");
+}
+
+} // namespace
+
+TEST(SimState, IsReadFromJson)
+{
+    const sim::State state = sim::ReadState(R"({
+        "engine": {"state": "degraded", "version": "1.2", "build": "b7",
+                   "safeModeEnabled": true, "debugModeEnabled": false},
+        "services": [{"name": "s1", "state": "running", "version": "1.0"}],
+        "modules": [{"name": "m1", "state": "odd", "version": "2.0", "monitored": false}]})",
+                                            "my.json");
+
+    EXPECT_EQ(state.engineState, "degraded");
+    EXPECT_EQ(state.version, "1.2");
+    EXPECT_EQ(state.build.value_or(""), "b7");
+    EXPECT_TRUE(state.safeModeEnabled);
+    EXPECT_FALSE(state.debugModeEnabled);
+    ASSERT_EQ(state.services.size(), 1U);
+    EXPECT_EQ(state.services[0].name, "s1");
+    EXPECT_FALSE(state.services[0].monitored.has_value());
+    ASSERT_EQ(state.modules.size(), 1U);
+    EXPECT_EQ(state.modules[0].name, "m1");
+    EXPECT_EQ(state.modules[0].state, "odd");
+    EXPECT_EQ(state.modules[0].version, "2.0");
+    EXPECT_FALSE(state.modules[0].monitored.value_or(true));
+}
+
+TEST(SimState, MayBeWithoutAnythingToSupervise)
+{
+    EXPECT_EQ(ErrorOfModules("[]"), "no error");
+}
+
+TEST(SimState, ByDefaultShowsEveryColourOfTheListing)
+{
+    std::set<std::string> states;
+    std::set<bool> monitored;
+    const sim::State state = sim::DefaultState();
+    for (const sim::Module& module : state.modules) {
+        states.insert(module.state);
+        monitored.insert(module.monitored.value());
+    }
+
+    const std::set<std::string> allColours = {"failed", "running", "starting", "stopped",
+                                              "terminated"};
+    EXPECT_EQ(states, allColours);
+    EXPECT_EQ(monitored.size(), 2U);
+}
+
+TEST(SimState, OfTheRepositoryCanBeLoadedAsAFile)
+{
+    EXPECT_EQ(sim::LoadState(DEFAULT_STATE_FILE).modules.size(),
+              sim::DefaultState().modules.size());
+}
+
+TEST(SimState, FromAFileThatDoesNotExistIsRefused)
+{
+    EXPECT_EQ(ErrorOf([] { sim::LoadState("/nonexistent/my.json"); }),
+              Error(noInput, "/nonexistent/my.json: cannot be read: No such file or directory"));
+}
+
+TEST(SimState, FromADirectoryIsRefused)
+{
+    EXPECT_EQ(ErrorOf([] { sim::LoadState("/"); }),
+              Error(noInput, "/: cannot be read: Is a directory"));
+}
+
+TEST(SimState, ThatIsNotJsonIsRefused)
+{
+    // The rest of the message is POCO's.
+    EXPECT_EQ(ErrorOfReading("{\"engine\": ").rfind(Error(dataError, "my.json: not valid JSON: ")),
+              0U);
+    EXPECT_EQ(ErrorOfReading("").rfind(Error(dataError, "my.json: not valid JSON: ")), 0U);
+}
+
+TEST(SimState, ThatIsNotAnObjectIsRefused)
+{
+    EXPECT_EQ(ErrorOfReading("[]"), Error(dataError, "my.json: not a JSON object"));
+}
+
+TEST(SimState, NamesTheMemberThatIsMissing)
+{
+    EXPECT_EQ(ErrorOfReading("{}"), Error(dataError, "my.json: \"engine\" is missing"));
+    EXPECT_EQ(ErrorOfReading("{" + engineMember + "}"),
+              Error(dataError, "my.json: \"services\" is missing"));
+    EXPECT_EQ(ErrorOfEngine(R"({"state": "running"})"),
+              Error(dataError, "my.json: engine: \"version\" is missing"));
+    EXPECT_EQ(ErrorOfModules(R"([{"name": "m1", "state": "running", "version": "1"},
+                                 {"name": "m2", "version": "1"}])"),
+              Error(dataError, "my.json: modules[1]: \"state\" is missing"));
+}
+
+TEST(SimState, NamesTheMemberOfTheWrongType)
+{
+    EXPECT_EQ(ErrorOfModules("{}"), Error(dataError, "my.json: \"modules\" is not an array"));
+    EXPECT_EQ(ErrorOfModules("[7]"), Error(dataError, "my.json: modules[0]: not a JSON object"));
+    EXPECT_EQ(ErrorOfModules(R"([{"name": "m1", "state": 3, "version": "1"}])"),
+              Error(dataError,
+                    "my.json: modules[0]: \"state\" is not a string with at least one character"));
+    EXPECT_EQ(ErrorOfModules(R"([{"name": "m1", "state": "", "version": "1"}])"),
+              Error(dataError,
+                    "my.json: modules[0]: \"state\" is not a string with at least one character"));
+    EXPECT_EQ(ErrorOfEngine(R"({"state": "running", "version": "1", "safeModeEnabled": "no"})"),
+              Error(dataError, "my.json: engine: \"safeModeEnabled\" is neither true nor false"));
+}
+
+TEST(SimState, NamesTheMemberThatItDoesNotKnow)
+{
+    EXPECT_EQ(
+        ErrorOfModules(R"([{"name": "m1", "state": "running", "version": "1", "monitord": true}])"),
+        Error(dataError, "my.json: modules[0]: \"monitord\" is not known here"));
+}
+
+TEST(SimState, RefusesANameThatTheClientCannotSend)
+{
+    EXPECT_EQ(ErrorOfModules(R"([{"name": "m-1", "state": "running", "version": "1"}])"),
+              Error(dataError, "my.json: modules[0]: \"name\" is not 1 to 16 letters and digits"));
+}
+
+TEST(SimState, RefusesANameUsedTwiceAlsoAcrossServicesAndModules)
+{
+    EXPECT_EQ(ErrorOfReading("{" + engineMember +
+                             R"(, "services": [{"name": "m1", "state": "running", "version": "1"}],
+                                  "modules": [{"name": "m1", "state": "stopped", "version": "1"}]})"),
+              Error(dataError, "my.json: the name \"m1\" is used twice"));
+}
+
+TEST(SimState, WantsMonitoredInEveryEntryOfATableOrInNone)
+{
+    EXPECT_EQ(ErrorOfModules(R"([{"name": "m1", "state": "running", "version": "1"},
+                                 {"name": "m2", "state": "running", "version": "1",
+                                  "monitored": true}])"),
+              Error(dataError, "my.json: modules[1]: \"monitored\" must stand in every entry of "
+                               "\"modules\" or in none"));
+}
