@@ -15,7 +15,7 @@ Poco::Timespan TimeLeft(Deadline deadline)
 {
     const auto left = deadline - std::chrono::steady_clock::now();
     const auto micros = std::chrono::duration_cast<std::chrono::microseconds>(left).count();
-    return Poco::Timespan(micros > 0 ? micros : 0);
+    return {micros > 0 ? micros : 0};
 }
 
 } // namespace

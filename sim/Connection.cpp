@@ -36,7 +36,7 @@ Poco::JSON::Object Connection::AnswerTo(const Request& request)
                                    : MakeReply(ResultCode::BadRequest, request.problem);
 }
 
-void Connection::LogExchange(const std::string& request, const std::string& reply)
+void Connection::LogExchange(const std::string& request, const std::string& reply) const
 {
     const std::string name = fault.name;
     Log(Printable(request) + " -> " + Printable(reply) + (name.empty() ? "" : " [" + name + "]"));

@@ -24,7 +24,7 @@ public:
 
 private:
     Poco::JSON::Object AnswerTo(const Request& request);
-    void LogExchange(const std::string& request, const std::string& reply);
+    void LogExchange(const std::string& request, const std::string& reply) const;
 
     Engine& engine;
     const Fault& fault;

@@ -39,7 +39,7 @@ public:
 
 Poco::Net::SocketAddress EngineAddress()
 {
-    return Poco::Net::SocketAddress("127.0.0.1", 7777);
+    return {"127.0.0.1", 7777};
 }
 
 Poco::Net::ServerSocket Listen()

@@ -13,7 +13,7 @@ class RequestFrame
 public:
     enum class Progress { Incomplete, Complete, NotAnObject, TooLong };
 
-    static constexpr std::size_t maxLength = 64 * 1024;
+    static constexpr std::size_t maxLength = 65536;
 
     /// Takes the next bytes. Whatever comes after the end of the object is dropped, and so is
     /// everything after a progress other than Incomplete.

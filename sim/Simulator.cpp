@@ -57,7 +57,7 @@ void Simulator::defineOptions(Poco::Util::OptionSet& options)
     using Callback = Poco::Util::OptionCallback<Simulator>;
 
     // Past ServerApplication, which would add the options of a daemon.
-    Application::defineOptions(options);
+    Application::defineOptions(options); // NOLINT(bugprone-parent-virtual-call)
     options.addOption(Option("help", "h", "Display help information")
                           .callback(Callback(this, &Simulator::HandleHelp)));
     options.addOption(Option("state", "s", "Read the services and modules from a JSON file")

@@ -45,7 +45,7 @@ std::vector<Module> ReadModules(const StrictObject& root, const std::string& key
         const StrictObject entry(array->get(i), root.PathOf(key) + "[" + std::to_string(i) + "]");
         modules.push_back(ReadModule(entry));
         if (modules.back().monitored.has_value() != modules.front().monitored.has_value()) {
-            entry.Fail("\"monitored\" must stand in every entry of \"" + key + "\" or in none");
+            entry.Fail(R"("monitored" must stand in every entry of ")" + key + "\" or in none");
         }
     }
     return modules;

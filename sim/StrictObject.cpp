@@ -2,11 +2,12 @@
 
 #include <algorithm>
 #include <typeinfo>
+#include <utility>
 
 namespace sim {
 
-StrictObject::StrictObject(const Poco::Dynamic::Var& json, const std::string& pathOfObject)
-    : path(pathOfObject)
+StrictObject::StrictObject(const Poco::Dynamic::Var& json, std::string pathOfObject)
+    : path(std::move(pathOfObject))
 {
     if (json.isEmpty() || json.type() != typeid(Poco::JSON::Object::Ptr)) {
         Fail("not a JSON object");

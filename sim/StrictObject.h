@@ -19,7 +19,7 @@ public:
     using Error = std::runtime_error;
 
     /// The path says where the object stands; it is empty for the root.
-    StrictObject(const Poco::Dynamic::Var& json, const std::string& path);
+    StrictObject(const Poco::Dynamic::Var& json, std::string path);
 
     bool Has(const std::string& key) const;
     Poco::Dynamic::Var Member(const std::string& key) const;

@@ -5,6 +5,8 @@
 #include <iostream>
 #include <ostream>
 #include <sstream>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -52,6 +54,7 @@ Result Simulate(std::vector<std::string> arguments)
 {
     arguments.insert(arguments.begin(), "vantrel-sim");
     std::vector<char*> argv;
+    argv.reserve(arguments.size());
     for (std::string& argument : arguments) {
         argv.push_back(argument.data());
     }

@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <chrono>
 #include <thread>
-#include <vector>
 
 using std::chrono::milliseconds;
 using std::chrono::seconds;
@@ -154,18 +155,19 @@ TEST(SimEngine, IsAskedByManyThreadsAtOnce)
     TestEngine engine;
     engine.EnableDebugMode();
 
-    std::vector<std::thread> threads;
-    for (int i = 0; i < 8; ++i) {
-        threads.emplace_back([&engine] {
-            for (int round = 0; round < 100; ++round) {
-                engine.Command("restart", "pump1");
-            }
-        });
+    const auto restart = [&engine] {
+        for (int round = 0; round < 100; ++round) {
+            engine.Command("restart", "pump1");
+        }
+    };
+    std::array<std::thread, 8> threads;
+    for (std::thread& thread : threads) {
+        thread = std::thread(restart);
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
 
-    // Six processes at the start, the last with 1005; then one more a restart, none twice.
+    // Six processes at the start, the last with 1006; then one more a restart, none twice.
     EXPECT_EQ(engine.Command("pid", "pump1"), R"({"description":"1806","resultCode":0})");
 }
