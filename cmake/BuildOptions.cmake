@@ -35,6 +35,17 @@ if(QUORLAN_SANITIZE)
   target_link_options(quorlan-build-options INTERFACE ${sanitizers})
 endif()
 
+option(QUORLAN_FUZZ "Build the fuzz targets with Clang's libFuzzer" OFF)
+if(QUORLAN_FUZZ)
+  target_compile_options(quorlan-build-options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
+option(QUORLAN_COVERAGE "Count how often each line and branch runs" OFF)
+if(QUORLAN_COVERAGE)
+  target_compile_options(quorlan-build-options INTERFACE --coverage)
+  target_link_options(quorlan-build-options INTERFACE --coverage)
+endif()
+
 # Hardening. _FORTIFY_SOURCE needs an optimised build, and AddressSanitizer does the same checks
 # better; the other options cost nothing where they are not needed.
 include(CheckPIESupported)
