@@ -1,0 +1,38 @@
+# One file that needs nothing of the system it runs on. Included after BuildOptions, whose target
+# it adds to; docs/device.md tells what each option here brought.
+
+option(QUORLAN_STATIC "Link everything statically, for the device" OFF)
+if(NOT QUORLAN_STATIC)
+  return()
+endif()
+
+set(CMAKE_AR "${CMAKE_CXX_COMPILER_AR}")
+set(CMAKE_RANLIB "${CMAKE_CXX_COMPILER_RANLIB}")
+target_compile_options(quorlan-build-options INTERFACE -ffunction-sections -fdata-sections
+                                                       -flto=auto -fno-fat-lto-objects)
+target_compile_options(quorlan-build-options
+                       INTERFACE "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
+target_link_options(quorlan-build-options INTERFACE -flto=auto -Wl,--gc-sections -s)
+
+# Debian's C library for the device has no start-up code for a static program that is
+# position-independent.
+include(CheckLinkerFlag)
+check_linker_flag(CXX -static-pie QUORLAN_HAS_STATIC_PIE)
+if(QUORLAN_HAS_STATIC_PIE)
+  set(CMAKE_CXX_LINK_OPTIONS_PIE -static-pie) # -pie would undo it
+  check_linker_flag(CXX -Wl,-z,pack-relative-relocs QUORLAN_HAS_RELR)
+  if(QUORLAN_HAS_RELR)
+    target_link_options(quorlan-build-options INTERFACE -Wl,-z,pack-relative-relocs)
+  endif()
+else()
+  set(CMAKE_POSITION_INDEPENDENT_CODE OFF)
+  target_link_options(quorlan-build-options INTERFACE -static)
+endif()
+
+# Stops a build that found the distribution's libraries where scripts/poco-static has not run.
+function(require_static_poco)
+  get_target_property(type Poco::Foundation TYPE)
+  if(NOT type STREQUAL "STATIC_LIBRARY")
+    message(FATAL_ERROR "No static POCO: run scripts/poco-static first (see docs/device.md)")
+  endif()
+endfunction()
