@@ -3,8 +3,28 @@
 #include <Poco/AutoPtr.h>
 #include <Poco/Exception.h>
 
+#include <array>
+#include <climits>
+
+#include <unistd.h>
+
+namespace {
+
+// POCO's application asks for the working directory while it is constructed and ends the program
+// where there is none: an update job may have removed the folder that it calls the tool from.
+void EnsureWorkingDirectory()
+{
+    std::array<char, PATH_MAX> path; // NOLINT(*-member-init): written by getcwd
+    if (getcwd(path.data(), path.size()) == nullptr) {
+        [[maybe_unused]] const int result = chdir("/");
+    }
+}
+
+} // namespace
+
 int main(int argc, char** argv)
 {
+    EnsureWorkingDirectory();
     Poco::AutoPtr<Quorlan> quorlan(new Quorlan);
     try {
         quorlan->init(argc, argv);

@@ -1,10 +1,16 @@
-# Compiler and linker options for this project's own code, as one INTERFACE target that every
-# target of ours links. Third-party code is never compiled with them.
+# Compiler and linker options for this project's own code, as two INTERFACE targets. Third-party
+# code is never compiled with them.
+#
+#   quorlan-build-options    warnings and hardening; every target of ours links it
+#   quorlan-instrumentation  sanitizers, coverage and fuzzing; comes with the libraries of the tool and
+#                            of the simulator. Programs that only drive the built tool go without, as
+#                            a test process starts in half the time then.
 
 option(QUORLAN_WERROR "Treat warnings as errors" OFF)
 option(QUORLAN_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
 
 add_library(quorlan-build-options INTERFACE)
+add_library(quorlan-instrumentation INTERFACE)
 
 target_compile_options(
   quorlan-build-options
@@ -31,19 +37,19 @@ target_compile_options(
 if(QUORLAN_SANITIZE)
   # A sanitizer report ends the process, so that no test can pass over one.
   set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all)
-  target_compile_options(quorlan-build-options INTERFACE ${sanitizers} -fno-omit-frame-pointer)
-  target_link_options(quorlan-build-options INTERFACE ${sanitizers})
+  target_compile_options(quorlan-instrumentation INTERFACE ${sanitizers} -fno-omit-frame-pointer)
+  target_link_options(quorlan-instrumentation INTERFACE ${sanitizers})
 endif()
 
 option(QUORLAN_FUZZ "Build the fuzz targets with Clang's libFuzzer" OFF)
 if(QUORLAN_FUZZ)
-  target_compile_options(quorlan-build-options INTERFACE -fsanitize=fuzzer-no-link)
+  target_compile_options(quorlan-instrumentation INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
 option(QUORLAN_COVERAGE "Count how often each line and branch runs" OFF)
 if(QUORLAN_COVERAGE)
-  target_compile_options(quorlan-build-options INTERFACE --coverage)
-  target_link_options(quorlan-build-options INTERFACE --coverage)
+  target_compile_options(quorlan-instrumentation INTERFACE --coverage)
+  target_link_options(quorlan-instrumentation INTERFACE --coverage)
 endif()
 
 # Hardening. _FORTIFY_SOURCE needs an optimised build, and AddressSanitizer does the same checks

@@ -6,6 +6,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
+#include <unistd.h>
+
 namespace {
 
 // POCO expands references in the name that the tool was started by (which ends before the last
@@ -80,4 +84,14 @@ TEST(RunFlow, AnExceptionOutOfTheMainOperationEndsWithTheSoftwareStatus)
 TEST(RunFlow, AnExceptionOutOfAnOptionHandlerEndsWithTheConfigurationStatus)
 {
     EXPECT_EQ(RunToolAs(selfReference, {"--help"}), (Outcome{78, "", circularReference}));
+}
+
+TEST(RunFlow, NeedsNoWorkingDirectory)
+{
+    std::string folder = "/tmp/quorlan-test-XXXXXX";
+    ASSERT_NE(mkdtemp(folder.data()), nullptr);
+    ASSERT_EQ(chdir(folder.c_str()), 0);
+    ASSERT_EQ(rmdir(folder.c_str()), 0);
+
+    EXPECT_EQ(RunTool({"--update"}), (Outcome{69, connectionRefused, ""}));
 }
