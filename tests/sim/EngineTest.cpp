@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <thread>
 
@@ -150,24 +151,31 @@ TEST(SimUpdate, IsRefusedWhileAnotherLastsAndAllowedAfterwards)
               "Update in progress: 0 of 6 modules done");
 }
 
-TEST(SimEngine, IsAskedByManyThreadsAtOnce)
+TEST(SimEngine, AnswersOneRequestAfterTheOther)
 {
-    TestEngine engine;
-    engine.EnableDebugMode();
+    std::atomic<bool> answering(false);
+    std::atomic<bool> overlapped(false);
+    sim::Engine engine(sim::DefaultState(), [&] { // asked for the time amid each answer
+        overlapped = overlapped || answering.exchange(true);
+        std::this_thread::yield();
+        answering = false;
+        return sim::TimePoint();
+    });
 
-    const auto restart = [&engine] {
-        for (int round = 0; round < 100; ++round) {
-            engine.Command("restart", "pump1");
+    const auto ask = [&engine] {
+        Poco::JSON::Object request;
+        request.set("command", "update-status");
+        for (int round = 0; round < 500; ++round) {
+            engine.Answer(request);
         }
     };
     std::array<std::thread, 8> threads;
     for (std::thread& thread : threads) {
-        thread = std::thread(restart);
+        thread = std::thread(ask);
     }
     for (std::thread& thread : threads) {
         thread.join();
     }
 
-    // Six processes at the start, the last with 1006; then one more a restart, none twice.
-    EXPECT_EQ(engine.Command("pid", "pump1"), R"({"description":"1806","resultCode":0})");
+    EXPECT_FALSE(overlapped);
 }
