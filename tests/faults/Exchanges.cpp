@@ -59,8 +59,8 @@ Exchange Once(const std::string& command, const std::string& key, const std::str
     if (!key.empty()) {
         commandLine.push_back(value);
     }
-    return {Letters(command), commandLine, {Request(command, key, value)}, {reply}, 0,
-            {0, report, ""}};
+    return {Letters(command), commandLine, {Request(command, key, value)},
+            {reply},          0,           {0, report, ""}};
 }
 
 Exchange Gated(const std::string& command, const std::string& where, std::size_t faulty)
@@ -91,7 +91,10 @@ Outcome Exchange::Unreadable(const std::string& reason) const
     return {76, IsDebugModeQuery() ? debugModeIsOff : "", badReply + reason + "\n"};
 }
 
-void PrintTo(const Exchange& exchange, std::ostream* stream) { *stream << exchange.name; }
+void PrintTo(const Exchange& exchange, std::ostream* stream)
+{
+    *stream << exchange.name;
+}
 
 std::vector<Exchange> Exchanges()
 {

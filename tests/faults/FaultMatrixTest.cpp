@@ -34,12 +34,21 @@ struct Fault
     const char* reason;
 };
 
-void PrintTo(const Fault& fault, std::ostream* stream) { *stream << fault.name; }
+void PrintTo(const Fault& fault, std::ostream* stream)
+{
+    *stream << fault.name;
+}
 
 /// The reply, or what is left of it, behind the request.
-Script Answer(std::string bytes) { return Script().AwaitRequest().Send(std::move(bytes)); }
+Script Answer(std::string bytes)
+{
+    return Script().AwaitRequest().Send(std::move(bytes));
+}
 
-std::string Half(const std::string& reply) { return reply.substr(0, reply.size() / 2); }
+std::string Half(const std::string& reply)
+{
+    return reply.substr(0, reply.size() / 2);
+}
 
 std::string PaddedTo(std::size_t size, const std::string& reply)
 {
@@ -49,8 +58,8 @@ std::string PaddedTo(std::size_t size, const std::string& reply)
 /// Nested arrays in a member that nobody reads; the root object is one level too.
 std::string Nested(std::size_t levels, const std::string& reply)
 {
-    return WithMember(reply, "\"x\":" + std::string(levels - 1, '[') +
-                                 std::string(levels - 1, ']'));
+    return WithMember(reply,
+                      "\"x\":" + std::string(levels - 1, '[') + std::string(levels - 1, ']'));
 }
 
 std::string WithEntries(std::size_t count, const std::string& reply)
@@ -182,10 +191,12 @@ void ServeAfterFault(ScriptedEngine& engine, const Exchange& exchange)
 }
 
 class FaultMatrix: public testing::TestWithParam<std::tuple<Exchange, Fault>>
-{};
+{
+};
 
 class EveryExchange: public testing::TestWithParam<Exchange>
-{};
+{
+};
 
 std::string CellName(const testing::TestParamInfo<std::tuple<Exchange, Fault>>& cell)
 {
@@ -193,7 +204,10 @@ std::string CellName(const testing::TestParamInfo<std::tuple<Exchange, Fault>>& 
     return exchange.name + "_" + fault.name;
 }
 
-std::string ExchangeName(const testing::TestParamInfo<Exchange>& cell) { return cell.param.name; }
+std::string ExchangeName(const testing::TestParamInfo<Exchange>& cell)
+{
+    return cell.param.name;
+}
 
 } // namespace
 

@@ -24,8 +24,14 @@ struct Reading
     std::string reason;
 };
 
-Reading Shown(std::string text) { return {std::move(text), ""}; }
-Reading Refused(std::string reason) { return {"", std::move(reason)}; }
+Reading Shown(std::string text)
+{
+    return {std::move(text), ""};
+}
+Reading Refused(std::string reason)
+{
+    return {"", std::move(reason)};
+}
 
 const Reading yes = Shown("yes");
 const Reading no = Shown("no");
@@ -48,7 +54,10 @@ struct Value
     Reading code;
 };
 
-void PrintTo(const Value& value, std::ostream* stream) { *stream << value.name; }
+void PrintTo(const Value& value, std::ostream* stream)
+{
+    *stream << value.name;
+}
 
 // clang-format off
 const Value valueTable[] = {
@@ -121,7 +130,10 @@ struct Member
     std::vector<const char*> repliesBefore;
 };
 
-void PrintTo(const Member& member, std::ostream* stream) { *stream << member.name; }
+void PrintTo(const Member& member, std::ostream* stream)
+{
+    *stream << member.name;
+}
 
 std::string Padded(std::string text, std::size_t width)
 {
@@ -130,7 +142,10 @@ std::string Padded(std::string text, std::size_t width)
 }
 
 /// What the operating system keeps of a result code.
-int Status(const std::string& code) { return std::stoi(code) & 0xff; }
+int Status(const std::string& code)
+{
+    return std::stoi(code) & 0xff;
+}
 
 std::string OnOff(const std::string& flag)
 {
@@ -158,7 +173,10 @@ std::string OnOff(const std::string& flag)
     "-------------------------------------------------------\n"                                    \
     "None are loaded!\n\n"
 
-Outcome Prints(const std::string& report) { return {0, report, ""}; }
+Outcome Prints(const std::string& report)
+{
+    return {0, report, ""};
+}
 
 // clang-format off
 const Member memberTable[] = {
@@ -241,7 +259,8 @@ const Member memberTable[] = {
 // clang-format on
 
 class MemberMatrix: public testing::TestWithParam<std::tuple<Member, Value>>
-{};
+{
+};
 
 std::string ReplyWith(const Member& member, const Value& value)
 {
@@ -286,10 +305,15 @@ INSTANTIATE_TEST_SUITE_P(Faults, MemberMatrix,
 TEST(OptionalMember, BuildIsShownAsTextOrAsNotAvailable)
 {
     for (const Value& value : valueTable) {
-        const Member build{"Build", &Value::text, "", "build",
+        const Member build{"Build",
+                           &Value::text,
+                           "",
+                           "build",
                            R"({"safeModeEnabled":false,"debugModeEnabled":false,"state":"s",)"
                            R"("version":"v","resultCode":0@})",
-                           nullptr, "", {}};
+                           nullptr,
+                           "",
+                           {}};
         const bool isMissing = value.text.reason == missing.reason;
         const std::string reply = ReplyWith(build, value);
         ScriptedEngine engine{reply.c_str()};
