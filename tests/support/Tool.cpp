@@ -181,6 +181,12 @@ Outcome RunToolAs(const std::string& name, const std::vector<std::string>& argum
     return outcome;
 }
 
+Outcome RunShell(const std::string& script)
+{
+    const std::string tool = Environment("QUORLAN_LAUNCHER", "") + " " + ToolPath();
+    return Run({"env", "QUORLAN=" + tool, "sh", "-c", script}, Terminal::None);
+}
+
 std::vector<std::string> Words(const std::string& line)
 {
     std::istringstream stream(line);

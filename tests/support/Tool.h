@@ -28,5 +28,8 @@ Outcome RunTool(const std::vector<std::string>& arguments, Terminal terminal = T
 /// The same under another name: a link to the tool whose last path component is name.
 Outcome RunToolAs(const std::string& name, const std::vector<std::string>& arguments);
 
+/// Runs a script of the shell, in which $QUORLAN stands for the tool with what is in front of it.
+Outcome RunShell(const std::string& script);
+
 /// Splits a command line at blanks, for tests that read better with one.
 std::vector<std::string> Words(const std::string& line);
