@@ -104,10 +104,11 @@ void Quorlan::PrintModuleTable(const Poco::JSON::Array::Ptr& entries,
         nameWidth + stateWidth + (showHeartbeat ? heartbeatWidth : 0) + versionWidth;
     std::cout << std::string(static_cast<std::size_t>(tableWidth), '-') << std::endl;
 
-    if (entries->empty()) {
+    const std::size_t count = entries->size();
+    if (count == 0) {
         std::cout << "None are loaded!" << std::endl;
     }
-    for (unsigned int i = 0; i < entries->size(); ++i) {
+    for (unsigned int i = 0; i < count; ++i) {
         PrintRow(entries->getObject(i), showHeartbeat);
     }
     std::cout << std::endl;
