@@ -5,8 +5,6 @@
 #include "term/Field.h"
 #include "term/Styles.h"
 
-#include <Poco/Exception.h>
-
 #include <iostream>
 #include <string_view>
 
@@ -87,9 +85,7 @@ void Quorlan::HandleListCommand(const std::string& /*name*/, const std::string& 
 void Quorlan::PrintModuleTable(const Poco::JSON::Array::Ptr& entries,
                                const std::string& nameHeading)
 {
-    if (entries.isNull()) {
-        throw Poco::NullPointerException();
-    }
+    // A null array throws here, before anything is printed.
     const bool showHeartbeat = HasHeartbeatColumn(*entries);
 
     PrintHeading(nameHeading, nameWidth);

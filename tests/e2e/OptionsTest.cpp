@@ -146,6 +146,47 @@ INSTANTIATE_TEST_SUITE_P(
                     Spelling{"--update=now", "Unexpected option argument: update=now"}),
     NameOf);
 
+// Each with an argument where it takes one.
+const char* const commands[] = {
+    "--debug true", "--start abc",       "--stop abc", "--restart abc", "--list",
+    "--status abc", "--reconfigure abc", "--pid abc",  "--monitor abc", "--engine-status"};
+
+class CommandsOfTheGroup: public testing::TestWithParam<const char*>
+{
+};
+
+TEST_P(CommandsOfTheGroup, RefuseAnotherBehindThem)
+{
+    ScriptedEngine engine{serviceableReply, serviceableReply};
+
+    const Outcome outcome = RunTool(Words(GetParam() + std::string(" --pid other")));
+
+    EXPECT_EQ(outcome.status, 78);
+    EXPECT_EQ(outcome.err, "Incompatible options: pid\n");
+}
+
+TEST_P(CommandsOfTheGroup, LeaveRoomForTheOptionsOutsideIt)
+{
+    for (const char* const other : {" --update", " --update-status", " --colors", " --help"}) {
+        ScriptedEngine engine{serviceableReply, serviceableReply, serviceableReply};
+
+        const Outcome outcome = RunTool(Words(GetParam() + std::string(other)));
+
+        EXPECT_EQ(outcome.status, 0) << other;
+        EXPECT_EQ(outcome.err, "") << other;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Options, CommandsOfTheGroup, testing::ValuesIn(commands));
+
+TEST(Options, UpdateStatusGivenTwiceFailsAfterTheFirstHasRun)
+{
+    ScriptedEngine engine{accepted};
+
+    EXPECT_EQ(RunTool(Words("--update-status --update-status")),
+              (Outcome{78, "ok\n", "Option must not be given more than once: update-status\n"}));
+}
+
 TEST(Options, AStrayWordBehindUpdateIsNotItsArgument)
 {
     ScriptedEngine engine{accepted};

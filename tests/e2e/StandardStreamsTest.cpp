@@ -103,3 +103,39 @@ TEST(StandardStreams, AnUnfinishedLineComesBeforeTheReason)
                                                                       missingValue,
                                                                   ""}));
 }
+
+// A script that reads a report from a pipe sees each line when it is written, not at the end.
+TEST(StandardStreams, EveryLineIsFlushed)
+{
+    const auto lines = [](const std::string& text) {
+        std::vector<std::string> parts;
+        for (std::size_t start = 0; start < text.size(); start = text.find('\n', start) + 1) {
+            parts.push_back(text.substr(start, text.find('\n', start) + 1 - start));
+        }
+        return parts;
+    };
+    ScriptedEngine engine;
+    for (const char* const arguments : {"--update", "--engine-status", "--list", "--version",
+                                        "--start abc", "--update --update"}) {
+        for (int run = 0; run < 2; ++run) {
+            engine.OnConnection(
+                Reply(R"({"resultCode":0,"description":"d","safeModeEnabled":true,"state":"s",)"
+                      R"("debugModeEnabled":false,"version":"v","modules":[],)"
+                      R"("services":[{"name":"n","state":"s","version":"v"}]})"));
+        }
+        const std::string report = RunTool(Words(arguments)).out;
+
+        EXPECT_EQ(WritesOfTool(Words(arguments)), lines(report)) << arguments;
+    }
+}
+
+TEST(StandardStreams, TheMessageOfAFailedConnectionIsFlushed)
+{
+    EXPECT_EQ(WritesOfTool(Words("--update --update-status")),
+              (std::vector<std::string>{connectionRefused, connectionRefused}));
+}
+
+TEST(StandardStreams, TheMessageBeforeTheHelpScreenIsFlushed)
+{
+    EXPECT_EQ(WritesOfTool({}).at(0), "No command specified\n");
+}

@@ -12,6 +12,7 @@
 #include <fcntl.h>
 #include <poll.h>
 #include <spawn.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <termios.h>
 
@@ -179,6 +180,24 @@ Outcome RunToolAs(const std::string& name, const std::vector<std::string>& argum
     Outcome outcome = Run(CommandLine(link, arguments), Terminal::None);
     fs::remove_all(folder);
     return outcome;
+}
+
+std::vector<std::string> WritesOfTool(const std::vector<std::string>& arguments)
+{
+    // A socket that keeps the borders between messages.
+    std::array<int, 2> ends{};
+    Require(socketpair(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC, 0, ends.data()) == 0, "socketpair");
+    Stream out{Descriptor(ends[0]), Descriptor(ends[1])};
+    const Stream err = MakePipe();
+    const pid_t process = Spawn(CommandLine(ToolPath(), arguments), out, err);
+    out.writer.Close();
+
+    std::vector<std::string> writes;
+    for (std::string piece; ReadInto(out.reader, piece); piece.clear()) {
+        writes.push_back(piece);
+    }
+    Wait(process);
+    return writes;
 }
 
 Outcome RunShell(const std::string& script)

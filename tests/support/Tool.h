@@ -28,6 +28,9 @@ Outcome RunTool(const std::vector<std::string>& arguments, Terminal terminal = T
 /// The same under another name: a link to the tool whose last path component is name.
 Outcome RunToolAs(const std::string& name, const std::vector<std::string>& arguments);
 
+/// The pieces in which a run writes its standard output, each as long as one write of the system.
+std::vector<std::string> WritesOfTool(const std::vector<std::string>& arguments);
+
 /// Runs a script of the shell, in which $QUORLAN stands for the tool with what is in front of it.
 Outcome RunShell(const std::string& script);
 
