@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstring>
 #include <random>
 #include <string>
 #include <string_view>
@@ -158,6 +157,6 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
         ChangeOneValue(text, random);
     }
     const std::size_t length = std::min(text.size(), maxSize);
-    std::memcpy(data, text.data(), length);
+    std::copy_n(text.begin(), length, data);
     return length == 0 ? LLVMFuzzerMutate(data, size, maxSize) : length;
 }

@@ -46,6 +46,7 @@ int Enter(const Words& words)
 {
     std::vector<std::string> copies(words);
     std::vector<char*> argv;
+    argv.reserve(copies.size());
     for (std::string& word : copies) {
         argv.push_back(word.data());
     }
@@ -104,7 +105,7 @@ Outcome RunOnTerminal(Words words, const Replies& replies)
 {
     words.insert(words.begin() + 1, "--colors");
     onTerminal = true;
-    const Outcome outcome = Run(words, replies);
+    Outcome outcome = Run(words, replies);
     onTerminal = false;
     return outcome;
 }

@@ -17,10 +17,12 @@ using fault::Fails;
 extern "C" {
 
 // The C library's own, under the names it keeps them by: looking them up could itself allocate.
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
 void* __libc_realloc(void* block, std::size_t size);
 void* __libc_memalign(std::size_t alignment, std::size_t size);
+// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
 
 void* malloc(std::size_t size) noexcept
 {

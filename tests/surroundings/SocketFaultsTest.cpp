@@ -27,10 +27,10 @@ struct Row
 {
     const char* name;
     const char* call;
+    const char* message; // of a failed connection
     int error;
     int callsPerExchange;
     Effect effect;
-    const char* message; // of a failed connection
     int times = 1;
 };
 
@@ -41,22 +41,22 @@ void PrintTo(const Row& row, std::ostream* stream)
 
 // clang-format off
 const Row table[] = {
-    {"NoDescriptorLeft",        "socket",     EMFILE,       1, Effect::NoConnection, "I/O error"},
-    {"NoSocketMemory",          "socket",     ENOBUFS,      1, Effect::NoConnection, "I/O error"},
-    {"ConnectRefused",          "connect",    ECONNREFUSED, 1, Effect::NoConnection, "Connection refused"},
-    {"ConnectUnreachable",      "connect",    ENETUNREACH,  1, Effect::NoConnection, "Net Exception"},
-    {"ConnectTimedOut",         "connect",    ETIMEDOUT,    1, Effect::NoConnection, "Timeout"},
-    {"ConnectInterrupted",      "connect",    EINTR,        1, Effect::None,         ""},
-    {"SendInterrupted",         "send",       EINTR,        1, Effect::None,         ""},
-    {"SendFailsOnce",           "send",       ENOBUFS,      1, Effect::None,         ""},
-    {"TimeoutNotSet",           "setsockopt", EINVAL,       1, Effect::Unreachable,  "Invalid argument"},
-    {"BlockingModeNotSet",      "fcntl",      EBADF,        2, Effect::Unreachable,  "I/O error"},
-    {"ReceiveInterrupted",      "recv",       EINTR,        2, Effect::None,         ""},
-    {"ReceiveInterruptedOften", "recv",       EINTR,        2, Effect::None,         "", 20},
-    {"ReceiveReset",            "recv",       ECONNRESET,   2, Effect::NoReply,      ""},
-    {"ReceiveTimedOut",         "recv",       EAGAIN,       2, Effect::NoReply,      ""},
-    {"ReceiveWithoutMemory",    "recv",       ENOMEM,       2, Effect::NoReply,      ""},
-    {"CloseFails",              "close",      EIO,          1, Effect::None,         ""},
+    {"NoDescriptorLeft",         "socket",     "I/O error",          EMFILE,       1, Effect::NoConnection},
+    {"NoSocketMemory",           "socket",     "I/O error",          ENOBUFS,      1, Effect::NoConnection},
+    {"ConnectRefused",           "connect",    "Connection refused", ECONNREFUSED, 1, Effect::NoConnection},
+    {"ConnectUnreachable",       "connect",    "Net Exception",      ENETUNREACH,  1, Effect::NoConnection},
+    {"ConnectTimedOut",          "connect",    "Timeout",            ETIMEDOUT,    1, Effect::NoConnection},
+    {"ConnectInterrupted",       "connect",    "",                   EINTR,        1, Effect::None},
+    {"SendInterrupted",          "send",       "",                   EINTR,        1, Effect::None},
+    {"SendFailsOnce",            "send",       "",                   ENOBUFS,      1, Effect::None},
+    {"TimeoutNotSet",            "setsockopt", "Invalid argument",   EINVAL,       1, Effect::Unreachable},
+    {"BlockingModeNotSet",       "fcntl",      "I/O error",          EBADF,        2, Effect::Unreachable},
+    {"ReceiveInterrupted",       "recv",       "",                   EINTR,        2, Effect::None},
+    {"ReceiveInterruptedOften",  "recv",       "",                   EINTR,        2, Effect::None, 20},
+    {"ReceiveReset",             "recv",       "",                   ECONNRESET,   2, Effect::NoReply},
+    {"ReceiveTimedOut",          "recv",       "",                   EAGAIN,       2, Effect::NoReply},
+    {"ReceiveWithoutMemory",     "recv",       "",                   ENOMEM,       2, Effect::NoReply},
+    {"CloseFails",               "close",      "",                   EIO,          1, Effect::None},
 };
 // clang-format on
 
