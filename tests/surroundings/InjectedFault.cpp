@@ -5,6 +5,8 @@
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <sstream>
 
 namespace fs = std::filesystem;
 
@@ -16,8 +18,8 @@ void SetVariable(const char* name, const std::string& value)
 }
 
 // Both read by the preloaded libraries alone; the tool has no environment variables.
-constexpr const char* variables[] = {"LD_PRELOAD",  "FAULT_CALL",  "FAULT_NTH", "FAULT_TIMES",
-                                     "FAULT_ERRNO", "FAULT_LIMIT", "FAULT_MARK"};
+constexpr const char* variables[] = {"LD_PRELOAD",  "FAULT_CALL",  "FAULT_NTH",  "FAULT_TIMES",
+                                     "FAULT_ERRNO", "FAULT_LIMIT", "FAULT_MARK", "FAULT_WAIT"};
 
 } // namespace
 
@@ -29,6 +31,7 @@ InjectedFault::InjectedFault(const std::string& library, const std::string& call
     SetVariable("LD_PRELOAD", library);
     SetVariable("FAULT_CALL", call);
     SetVariable("FAULT_MARK", mark);
+    SetVariable("FAULT_WAIT", folder + "/wait");
     // A sanitizer's own library wants to come first, but works behind another, too.
     SetVariable("ASAN_OPTIONS", "verify_asan_link_order=0");
 }
@@ -54,6 +57,11 @@ InjectedFault InjectedFault::ShortTransfers(const std::string& call, int limit)
     return {SOCKET_FAULTS, call};
 }
 
+InjectedFault InjectedFault::None()
+{
+    return {SOCKET_FAULTS, "none"};
+}
+
 InjectedFault::~InjectedFault()
 {
     for (const char* const variable : variables) {
@@ -66,6 +74,13 @@ InjectedFault::~InjectedFault()
 bool InjectedFault::Happened() const
 {
     return fs::exists(mark);
+}
+
+std::string InjectedFault::ReceiveTimeouts() const
+{
+    std::ostringstream text;
+    text << std::ifstream(folder + "/wait").rdbuf();
+    return text.str();
 }
 
 bool CanInjectFaults()

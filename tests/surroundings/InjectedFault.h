@@ -14,12 +14,17 @@ public:
     /// Each send or recv moves at most limit bytes.
     static InjectedFault ShortTransfers(const std::string& call, int limit);
 
+    /// Nothing fails; the receive time-outs that are set are kept for ReceiveTimeouts.
+    static InjectedFault None();
+
     InjectedFault(const InjectedFault&) = delete;
     InjectedFault& operator=(const InjectedFault&) = delete;
     ~InjectedFault();
 
     /// Whether a program has got that far.
     bool Happened() const;
+    /// The receive time-out of every socket so far, in microseconds, a line each.
+    std::string ReceiveTimeouts() const;
 
 private:
     InjectedFault(const std::string& library, const std::string& call);

@@ -10,6 +10,7 @@
 //   FAULT_LIMIT  the most bytes that one send or recv moves
 //   FAULT_MARK   a file that is made when a call fails, so that a test that goes from the first
 //                call to the last knows when there are no more
+//   FAULT_WAIT   a file that the receive time-out of each socket is written to, as microseconds
 //
 // Calls that the C library makes by itself, such as the writes behind a standard stream, don't pass
 // here.
@@ -18,11 +19,14 @@
 
 #include <algorithm>
 #include <cstdarg>
+#include <cstdlib>
+#include <fstream>
 
 #include <dlfcn.h>
 #include <poll.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <sys/time.h>
 
 using fault::Fails;
 
@@ -41,6 +45,13 @@ Function* Next(Function& /*call*/, const char* name)
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
+void TellWait(const timeval& wait)
+{
+    if (const char* const path = std::getenv("FAULT_WAIT")) {
+        std::ofstream(path, std::ios::app) << wait.tv_sec * 1000000 + wait.tv_usec << "\n";
+    }
+}
+
 } // namespace
 
 extern "C" {
@@ -57,6 +68,9 @@ int connect(int descriptor, const sockaddr* address, socklen_t length)
 
 int setsockopt(int descriptor, int level, int name, const void* value, socklen_t length) noexcept
 {
+    if (level == SOL_SOCKET && name == SO_RCVTIMEO) {
+        TellWait(*static_cast<const timeval*>(value));
+    }
     return Fails("setsockopt")
                ? -1
                : Next(setsockopt, "setsockopt")(descriptor, level, name, value, length);

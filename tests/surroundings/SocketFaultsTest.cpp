@@ -152,3 +152,13 @@ TEST_F(SocketFaults, ThatMoveOneByteAtATimeChangeNothing)
         EXPECT_EQ(engine.Requests(), (std::vector<std::string>{engineStatusRequest, startRequest}));
     }
 }
+
+TEST_F(SocketFaults, AreNotNeededToSeeThatEveryExchangeWaitsFiveSeconds)
+{
+    ScriptedEngine engine{debugModeOn, R"({"description":"ok","resultCode":0})"};
+    const auto fault = InjectedFault::None();
+
+    EXPECT_EQ(RunTool(Words("--start abc")), (Outcome{0, "ok\n", ""}));
+
+    EXPECT_EQ(fault.ReceiveTimeouts(), "5000000\n5000000\n");
+}
