@@ -1,118 +1,50 @@
-#include "sim/Simulator.h"
+#include "tests/sim/e2e/Simulator.h"
 
 #include <gtest/gtest.h>
 
-#include <iostream>
-#include <ostream>
-#include <sstream>
-#include <string>
-#include <vector>
-
-namespace {
-
-/// What a run left behind that ended before it served anyone.
-struct Result
+TEST(SimulatorArguments, UnknownOptionIsRefused)
 {
-    int status = 0;
-    std::string out;
-    std::string err;
-
-    bool operator==(const Result& other) const
-    {
-        return status == other.status && out == other.out && err == other.err;
-    }
-};
-
-void PrintTo(const Result& result, std::ostream* stream)
-{
-    *stream << "status " << result.status << "\n--- standard output\n"
-            << result.out << "--- standard error\n"
-            << result.err;
+    EXPECT_EQ(Simulator({"--bogus"}).End(), Refused(64, "Unknown option specified: bogus"));
 }
 
-/// Collects what is written to a standard stream.
-class Capture
+TEST(SimulatorArguments, OptionsOfADaemonAreUnknown)
 {
-public:
-    explicit Capture(std::ostream& captured)
-        : stream(captured), original(stream.rdbuf(text.rdbuf()))
-    {
-    }
-    ~Capture() { stream.rdbuf(original); }
-    Capture(const Capture&) = delete;
-    Capture& operator=(const Capture&) = delete;
-
-    std::string Text() const { return text.str(); }
-
-private:
-    std::ostream& stream;
-    std::ostringstream text;
-    std::streambuf* original;
-};
-
-Result Simulate(std::vector<std::string> arguments)
-{
-    arguments.insert(arguments.begin(), "vantrel-sim");
-    std::vector<char*> argv;
-    argv.reserve(arguments.size());
-    for (std::string& argument : arguments) {
-        argv.push_back(argument.data());
-    }
-    const Capture out(std::cout);
-    const Capture err(std::cerr);
-    const int status = sim::RunSimulator(static_cast<int>(argv.size()), argv.data());
-    return {status, out.Text(), err.Text()};
+    EXPECT_EQ(Simulator({"--daemon"}).End(), Refused(64, "Unknown option specified: daemon"));
 }
 
-Result Refusal(int status, const std::string& line)
+TEST(SimulatorArguments, OptionWithoutItsArgumentIsRefused)
 {
-    return {status, "", "vantrel-sim: " + line + "\n"};
+    EXPECT_EQ(Simulator({"--fault"}).End(),
+              Refused(64, "Missing option argument: fault requires <name>"));
 }
 
-} // namespace
-
-TEST(SimArguments, UnknownOptionIsRefused)
+TEST(SimulatorArguments, FaultGivenTwiceIsRefused)
 {
-    EXPECT_EQ(Simulate({"--bogus"}), Refusal(64, "Unknown option specified: bogus"));
+    EXPECT_EQ(Simulator({"--fault=half", "--fault=slow"}).End(),
+              Refused(64, "Option must not be given more than once: fault"));
 }
 
-TEST(SimArguments, OptionsOfADaemonAreUnknown)
+TEST(SimulatorArguments, UnknownFaultIsRefused)
 {
-    EXPECT_EQ(Simulate({"--daemon"}), Refusal(64, "Unknown option specified: daemon"));
+    EXPECT_EQ(Simulator({"--fault=fire"}).End(),
+              Refused(64, "unknown fault \"fire\" (--help lists them)"));
 }
 
-TEST(SimArguments, OptionWithoutItsArgumentIsRefused)
+TEST(SimulatorArguments, FaultWithoutANameIsRefused)
 {
-    EXPECT_EQ(Simulate({"--fault"}), Refusal(64, "Missing option argument: fault requires <name>"));
+    EXPECT_EQ(Simulator({"--fault="}).End(), Refused(64, "unknown fault \"\" (--help lists them)"));
 }
 
-TEST(SimArguments, FaultGivenTwiceIsRefused)
+TEST(SimulatorArguments, ArgumentThatIsNoOptionIsRefused)
 {
-    EXPECT_EQ(Simulate({"--fault=half", "--fault=slow"}),
-              Refusal(64, "Option must not be given more than once: fault"));
+    EXPECT_EQ(Simulator({"half"}).End(), Refused(64, "unexpected argument \"half\""));
 }
 
-TEST(SimArguments, UnknownFaultIsRefused)
+TEST(SimulatorArguments, HelpExplainsOptionsAndFaults)
 {
-    EXPECT_EQ(Simulate({"--fault=fire"}),
-              Refusal(64, "unknown fault \"fire\" (--help lists them)"));
-}
-
-TEST(SimArguments, ArgumentThatIsNoOptionIsRefused)
-{
-    EXPECT_EQ(Simulate({"half"}), Refusal(64, "unexpected argument \"half\""));
-}
-
-TEST(SimArguments, StateThatCannotBeReadIsRefused)
-{
-    EXPECT_EQ(Simulate({"--state=/nonexistent/my.json"}),
-              Refusal(66, "/nonexistent/my.json: cannot be read: No such file or directory"));
-}
-
-TEST(SimArguments, HelpExplainsOptionsAndFaults)
-{
-    EXPECT_EQ(Simulate({"--help"}), (Result{0,
-                                            R"(usage: vantrel-sim [--state=<file>] [--fault=<name>]
+    EXPECT_EQ(Simulator({"--help"}).End(),
+              (Outcome{0,
+                       R"(usage: vantrel-sim [--state=<file>] [--fault=<name>]
 Stands in for the engine: answers the client on 127.0.0.1:7777 and shows every
 request on standard error.
 
@@ -132,5 +64,5 @@ Faults, each applied to every connection:
   huge            answers "list" with many megabytes
   reset           sends half of the reply and resets the connection
 )",
-                                            ""}));
+                       ""}));
 }
