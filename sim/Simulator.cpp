@@ -120,8 +120,8 @@ void Simulator::PrintHelp() const
 
 void Simulator::Serve()
 {
-    const Fault& fault = faultName.empty() ? NoFault() : FindFault(faultName);
-    Engine engine(stateFile.empty() ? DefaultState() : LoadState(stateFile));
+    const Fault& fault = faultName ? FindFault(*faultName) : NoFault();
+    Engine engine(stateFile ? LoadState(*stateFile) : DefaultState());
     OpenConnections open;
     Poco::ThreadPool threads(2, maxConnections);
     Poco::Net::TCPServer server(new ConnectionFactory(engine, fault, open), threads, Listen(),

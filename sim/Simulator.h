@@ -3,6 +3,7 @@
 #include <Poco/Util/OptionSet.h>
 #include <Poco/Util/ServerApplication.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,8 +30,8 @@ private:
     void Serve();
 
     bool helpRequested = false;
-    std::string stateFile; // empty: the default set
-    std::string faultName; // empty: none
+    std::optional<std::string> stateFile; // none: the default set
+    std::optional<std::string> faultName;
 };
 
 /// Runs the program and reports why it could not start. The result is its exit status.

@@ -1,19 +1,9 @@
 #pragma once
 
-#include <iosfwd>
+#include "tests/support/Process.h"
+
 #include <string>
 #include <vector>
-
-/// What a run of the tool left behind. Compared whole; a failed comparison prints both sides.
-struct Outcome
-{
-    int status = 0;  // exit status; minus the signal's number if one ended the run
-    std::string out; // every byte on standard output
-    std::string err; // every byte on standard error
-
-    bool operator==(const Outcome& other) const;
-};
-void PrintTo(const Outcome& outcome, std::ostream* stream);
 
 /// Which of the tool's streams are a pseudo-terminal; the others are pipes.
 enum class Terminal { None, Output, Error, Both };

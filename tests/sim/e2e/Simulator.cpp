@@ -1,0 +1,61 @@
+#include "tests/sim/e2e/Simulator.h"
+
+#include <sys/wait.h>
+
+namespace {
+
+const std::string listening = "vantrel-sim: listening on 127.0.0.1:7777\n";
+
+std::vector<std::string> CommandLine(const std::vector<std::string>& arguments)
+{
+    std::vector<std::string> words = {VANTREL_SIM};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    return words;
+}
+
+} // namespace
+
+Simulator::Simulator(const std::vector<std::string>& arguments)
+    : process(Spawn(CommandLine(arguments), out, err))
+{
+    out.writer.Close();
+    err.writer.Close(); // or the end of one that does not start would never be seen
+    AwaitLog(listening);
+}
+
+Simulator::~Simulator()
+{
+    if (process != 0) {
+        kill(process, SIGKILL);
+        waitpid(process, nullptr, 0);
+    }
+}
+
+void Simulator::AwaitLog(const std::string& text)
+{
+    while (outcome.err.find(text) == std::string::npos && ReadInto(err.reader, outcome.err)) {
+    }
+}
+
+Outcome Simulator::End(int signal)
+{
+    kill(process, signal); // finds one that ended, too: nobody has waited for it yet
+    Finish(process, out, err, outcome);
+    process = 0;
+    return outcome;
+}
+
+std::string LogLine(const std::string& request, const std::string& reply)
+{
+    return "vantrel-sim: " + request + " -> " + reply + "\n";
+}
+
+Outcome Served(const std::string& log)
+{
+    return {0, "", listening + log};
+}
+
+Outcome Refused(int status, const std::string& line)
+{
+    return {status, "", "vantrel-sim: " + line + "\n"};
+}

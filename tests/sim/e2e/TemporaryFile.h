@@ -1,0 +1,28 @@
+#pragma once
+
+#include "tests/support/Descriptor.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+/// A file with a text in it that goes with the test.
+class TemporaryFile
+{
+public:
+    explicit TemporaryFile(const std::string& text)
+        : path(std::filesystem::temp_directory_path() / "vantrel-sim-test-XXXXXX")
+    {
+        const Descriptor file(mkstemp(path.data()));
+        std::ofstream(path) << text;
+    }
+    ~TemporaryFile() { std::remove(path.c_str()); }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    const std::string& Path() const { return path; }
+
+private:
+    std::string path;
+};
