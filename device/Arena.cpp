@@ -18,9 +18,10 @@ constexpr std::size_t alignment = alignof(std::max_align_t);
 alignas(alignment) char arena[arenaSize];
 std::size_t used = 0;
 
+// What a block takes of the arena; a block of no bytes has an address of its own, too.
 std::size_t Rounded(std::size_t size)
 {
-    return (size + alignment - 1) / alignment * alignment;
+    return size == 0 ? alignment : (size + alignment - 1) / alignment * alignment;
 }
 
 // Offset of a block of the arena; arenaSize or more for any other pointer, the null pointer too.
@@ -35,7 +36,7 @@ void* operator new(std::size_t size)
 {
     if (size <= arenaSize && Rounded(size) <= arenaSize - used) {
         void* const block = arena + used;
-        used += size == 0 ? alignment : Rounded(size);
+        used += Rounded(size);
         return block;
     }
     void* const block = std::malloc(size);
