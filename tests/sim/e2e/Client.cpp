@@ -33,6 +33,7 @@ Client& Client::Send(std::string_view bytes)
     while (!bytes.empty()) {
         const ssize_t count = send(socket.Get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
         if (count < 0) {
+            broken = true;
             break;
         }
         bytes.remove_prefix(static_cast<std::size_t>(count));
@@ -75,7 +76,7 @@ Answer Client::Receive()
     while ((count = recv(socket.Get(), buffer.data(), buffer.size(), 0)) > 0) {
         answer.bytes.append(buffer.data(), static_cast<std::size_t>(count));
     }
-    answer.end = count == 0 ? Answer::End::Closed : Answer::End::Reset;
+    answer.end = count == 0 && !broken ? Answer::End::Closed : Answer::End::Reset;
     return answer;
 }
 

@@ -46,6 +46,7 @@ public:
 
 private:
     Descriptor socket;
+    bool broken = false; // seen by a send, after which a receive does not tell of it any more
 };
 
 /// A whole conversation: sends the request and waits for the end of the answer.
