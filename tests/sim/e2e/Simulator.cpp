@@ -8,7 +8,8 @@ const std::string listening = "vantrel-sim: listening on 127.0.0.1:7777\n";
 
 std::vector<std::string> CommandLine(const std::vector<std::string>& arguments)
 {
-    std::vector<std::string> words = {VANTREL_SIM};
+    // A test that is killed for hanging must not leave its simulator behind.
+    std::vector<std::string> words = {"setpriv", "--pdeathsig", "KILL", VANTREL_SIM};
     words.insert(words.end(), arguments.begin(), arguments.end());
     return words;
 }
