@@ -1,0 +1,270 @@
+"""Measures the clients in the folder that scripts/bench prepared and writes the tables.
+
+Usage: measure.py FOLDER LOAD OUTPUT-FOLDER
+    LOAD           the load of the machine before anything was built or measured
+    OUTPUT-FOLDER  where benchmarks.md and README.md go; empty: into the tree
+"""
+
+import datetime
+import json
+import os
+import pathlib
+import platform
+import re
+import shlex
+import statistics
+import subprocess
+import sys
+
+TREE = pathlib.Path(__file__).parent.parent
+WORK = pathlib.Path(sys.argv[1])
+LOAD = sys.argv[2]
+OUTPUT = pathlib.Path(sys.argv[3]) if sys.argv[3] else None
+
+ROUNDS = 5
+GROWTH = [10, 100, 1_000, 10_000, 100_000]
+
+PEERS = WORK / "peers"
+FLOOR = "bare C client (static)"
+STATIC = "`quorlan --list`, preset `static`"
+CLIENTS = {
+    FLOOR: [WORK / "bin/floor"],
+    STATIC: [WORK / "bin/static", "--list"],
+    "`quorlan --list`, preset `release`": [WORK / "bin/release", "--list"],
+    "runit: `sv status`": ["sv", "status", *sorted((PEERS / "runit").iterdir())],
+    "`monit summary`": ["monit", "-c", PEERS / "monitrc", "summary"],
+    "bash and jq": [TREE / "bench/client.sh"],
+    "Python client": ["/usr/bin/python3", TREE / "bench/client.py"],
+    "`supervisorctl status`": ["supervisorctl", "-c", PEERS / "supervisord.conf", "status"],
+}
+WITHOUT_DAEMON = "runit: `sv status`"  # reads files that the daemon writes
+
+
+def run(*words, **options):
+    """The completed process of a command that has to end with 0."""
+    words = [str(word) for word in words]
+    return subprocess.run(words, check=True, capture_output=True, text=True, **options)
+
+
+class Engine:
+    """Gives every request a reply with half as many services, half as many modules as entries."""
+
+    def __init__(self, entries):
+        self.file = WORK / "reply.json"
+        half = entries // 2
+        self.file.write_text(json.dumps({
+            "description": "Services and modules",
+            "modules": [self.entry("module", n, monitored=n % 2 == 0) for n in range(half)],
+            "resultCode": 0,
+            "services": [self.entry("service", n) for n in range(half)],
+        }))
+
+    @staticmethod
+    def entry(kind, number, **more):
+        state = ("running", "running", "stopped", "starting", "terminated")[number % 5]
+        return {"name": f"{kind}{number}", "state": state, "version": f"1.{number % 20}.0", **more}
+
+    def __enter__(self):
+        self.process = subprocess.Popen([WORK / "bin/fixed-engine", self.file],
+                                        stdout=subprocess.PIPE)
+        assert self.process.stdout.readline() == b"listening\n"
+        return self
+
+    def __exit__(self, *_):
+        self.process.terminate()
+        self.process.wait()
+        self.process.stdout.close()
+
+
+def wall_times(command, runs):
+    """The seconds of each run."""
+    result = WORK / "hyperfine.json"
+    run("hyperfine", "-N", "--warmup", "3", "--runs", str(runs), "--export-json", result,
+        shlex.join(map(str, command)))
+    return json.loads(result.read_text())["results"][0]["times"]
+
+
+def interleaved_wall_times(commands):
+    """Takes turns, so that a change in the machine's load meets all of them. Each gets about a
+    second in each round."""
+    runs = {name: min(300, max(5, int(1 / statistics.median(wall_times(command, 3)))))
+            for name, command in commands.items()}
+    times = {name: [] for name in commands}
+    for _ in range(ROUNDS):
+        for name, command in commands.items():
+            times[name] += wall_times(command, runs[name])
+    return times
+
+
+def instructions(command):
+    """All that is executed in user mode, by the processes that the command starts, too."""
+    log = run("valgrind", "--tool=callgrind", "--trace-children=yes",
+              "--callgrind-out-file=/dev/null", *command).stderr
+    return sum(int(count) for count in re.findall(r"Collected : (\d+)", log))
+
+
+def peak_memory(command):
+    """In KB, of the process that took most."""
+    return int(run(WORK / "bin/peak", *command).stderr.split()[-1])
+
+
+def system_calls(command):
+    log = WORK / "strace"
+    run("strace", "-f", "-c", "-o", log, *command)
+    return int(log.read_text().splitlines()[-1].split()[3])
+
+
+def milliseconds(seconds):
+    return f"{seconds * 1000:.2f}" if seconds < 0.01 else f"{seconds * 1000:.0f}"
+
+
+def table(head, rows):
+    lines = [head, ["---"] + ["---:"] * (len(head) - 1), *rows]
+    return "\n".join("| " + " | ".join(map(str, line)) + " |" for line in lines) + "\n"
+
+
+def compare():
+    """For each client: times of its runs, instructions, peak memory, system calls."""
+    with Engine(20):
+        times = interleaved_wall_times(CLIENTS)
+        return {name: (times[name], instructions(command), peak_memory(command),
+                       system_calls(command))
+                for name, command in CLIENTS.items()}
+
+
+def comparison_table(results):
+    floor = statistics.median(results[FLOOR][0])
+    rows = []
+    for name, (times, count, peak, calls) in results.items():
+        median = statistics.median(times)
+        tenths = statistics.quantiles(times, n=10)
+        rows.append([name, milliseconds(median), f"{median / floor:.2f}", milliseconds(min(times)),
+                     f"{milliseconds(tenths[0])} to {milliseconds(tenths[-1])}", len(times),
+                     f"{count:,}", f"{peak:,}", f"{calls:,}"])
+    return table(["client", "median, ms", "ratio", "least, ms", "eight of ten runs, ms", "runs",
+                  "instructions", "peak memory, KB", "system calls"], rows)
+
+
+def grow():
+    """For each number of entries: bytes of the reply, median time, peak memory of the tool, and
+    the median time of the floor."""
+    results = {}
+    for entries in GROWTH:
+        with Engine(entries) as engine:
+            times = interleaved_wall_times({name: CLIENTS[name] for name in (STATIC, FLOOR)})
+            results[entries] = (engine.file.stat().st_size, statistics.median(times[STATIC]),
+                                peak_memory(CLIENTS[STATIC]), statistics.median(times[FLOOR]))
+    return results
+
+
+def growth_table(results):
+    rows = []
+    for before, entries in zip([None] + GROWTH, GROWTH):
+        size, time, peak, floor = results[entries]
+        more = ["", ""]
+        if before:
+            added = entries - before
+            more = [f"{(time - results[before][1]) / added * 1e6:.2f}",
+                    f"{(peak - results[before][2]) / added * 1024:,.0f}"]
+        rows.append([f"{entries:,}", f"{size:,}", milliseconds(floor), milliseconds(time), more[0],
+                     f"{peak:,}", more[1]])
+    return table(["entries", "reply, bytes", "floor, ms", "tool, ms", "per further entry, µs",
+                  "peak memory, KB", "per further entry, bytes"], rows)
+
+
+def goals(results, growth):
+    """A row for each goal: what was aimed at, what was reached, whether that is enough."""
+    median = {name: statistics.median(times) for name, (times, *_) in results.items()}
+    ratio = median[STATIC] / median[FLOOR]
+    peers = [name for name in median if "quorlan" not in name and name not in (FLOOR, WITHOUT_DAEMON)]
+    nearest = min(peers, key=median.get)
+    small, middle, large = GROWTH[-3:]
+
+    def slope(column):
+        return ((growth[large][column] - growth[middle][column]) / (large - middle)
+                / ((growth[middle][column] - growth[small][column]) / (middle - small)))
+
+    rows = [
+        ["wall time of the bare client, times 1.25", f"{ratio:.2f}", ratio <= 1.25],
+        ["under 600,000 instructions", f"{results[STATIC][1]:,}", results[STATIC][1] < 600_000],
+        ["quicker than every peer that talks to a daemon",
+         f"{median[nearest] / median[STATIC]:.1f} times quicker than {nearest}",
+         median[nearest] > median[STATIC]],
+        ["time linear in the reply: the last tenfold costs no more per entry than the one before, "
+         "times 1.25", f"{slope(1):.2f}", slope(1) <= 1.25],
+        ["memory linear in the reply, likewise", f"{slope(2):.2f}", slope(2) <= 1.25],
+    ]
+    return table(["goal", "reached", "enough"],
+                 [[goal, reached, "yes" if enough else "no"] for goal, reached, enough in rows])
+
+
+def machine():
+    cpu = re.search(r"model name\s*: (.*)", pathlib.Path("/proc/cpuinfo").read_text())
+    memory = re.search(r"MemTotal: *(\d+)", pathlib.Path("/proc/meminfo").read_text())
+    kind = " (virtual)" if "hypervisor" in pathlib.Path("/proc/cpuinfo").read_text() else ""
+    return (f"{os.cpu_count()} cores{kind} of {cpu[1] if cpu else platform.machine()}, "
+            f"{int(memory[1]) >> 20} GB, Linux {platform.release()}")
+
+
+def conditions():
+    state = ("It had nothing else to do" if float(LOAD) < 0.5 else
+             "**It was busy with other work**, so the times are too long; the ratios tell more")
+    return (f"Measured on {datetime.date.today()} on {machine()}. {state}: the load was {LOAD} at "
+            f"the start and {os.getloadavg()[0]:.2f} at the end.\n")
+
+
+def versions():
+    names = ["libpoco-dev", "runit", "monit", "jq", "bash", "python3", "supervisor"]
+    output = run("dpkg-query", "-W", "-f", "${Package} ${Version}, ", *names).stdout
+    return output.rstrip(", ")
+
+
+DOCUMENT = """# Benchmarks
+
+Written by `scripts/bench`; what it measures is in [bench/](../bench).
+
+{conditions}
+Each client lists ten services; for the clients of the engine ten modules come with them, in a reply
+that is the same byte for byte and comes from the same small engine. The floor is a C program, linked
+statically, that connects, sends the request, and writes out what it reads. `sv` asks no daemon but
+reads files that it writes. Versions: {versions}.
+
+{comparison}
+Wall time is told by hyperfine, the clients taking turns; instructions in user mode by callgrind;
+system calls by strace; for a client of several processes they are summed up, and peak memory is
+that of the greatest.
+
+## Goals
+
+{goals}
+## Growth
+
+The preset `static` with replies of half as many services, half as many modules as entries.
+
+{growth}"""
+
+
+def put_between_marks(text, content):
+    begin, end = "<!-- benchmarks -->\n", "<!-- /benchmarks -->"
+    before, rest = text.split(begin)
+    return before + begin + content + end + rest.split(end)[1]
+
+
+def main():
+    results = compare()
+    growth = grow()
+    when_and_where = conditions()
+    text = DOCUMENT.format(conditions=when_and_where, versions=versions(), goals=goals(results, growth),
+                           comparison=comparison_table(results), growth=growth_table(growth))
+    (OUTPUT or TREE / "docs").joinpath("benchmarks.md").write_text(text)
+    floor = statistics.median(results[FLOOR][0])
+    short = table(["client", "median, ms", "ratio"],
+                  [[name, milliseconds(statistics.median(times)),
+                    f"{statistics.median(times) / floor:.2f}"]
+                   for name, (times, *_) in results.items()])
+    readme = put_between_marks((TREE / "README.md").read_text(), when_and_where + "\n" + short)
+    (OUTPUT or TREE).joinpath("README.md").write_text(readme)
+    print(text)
+
+
+main()
