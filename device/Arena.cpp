@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr std::size_t arenaSize = 256 * 1024;
+constexpr std::size_t arenaSize = 262144;
 constexpr std::size_t alignment = alignof(std::max_align_t);
 
 alignas(alignment) char arena[arenaSize];
