@@ -146,37 +146,41 @@ def comparison_table(results):
 
 
 def grow():
-    """For each number of entries: bytes of the reply, median time, peak memory of the tool, and
-    the median time of the floor."""
+    """For each number of entries: bytes of the reply, median time, peak memory and instructions of
+    the tool, and the median time of the floor."""
     results = {}
     for entries in GROWTH:
         with Engine(entries) as engine:
             times = interleaved_wall_times({name: CLIENTS[name] for name in (STATIC, FLOOR)})
             results[entries] = (engine.file.stat().st_size, statistics.median(times[STATIC]),
-                                peak_memory(CLIENTS[STATIC]), statistics.median(times[FLOOR]))
+                                peak_memory(CLIENTS[STATIC]), instructions(CLIENTS[STATIC]),
+                                statistics.median(times[FLOOR]))
     return results
 
 
 def growth_table(results):
     rows = []
     for before, entries in zip([None] + GROWTH, GROWTH):
-        size, time, peak, floor = results[entries]
-        more = ["", ""]
+        size, time, peak, count, floor = results[entries]
+        more = ["", "", ""]
         if before:
             added = entries - before
             more = [f"{(time - results[before][1]) / added * 1e6:.2f}",
-                    f"{(peak - results[before][2]) / added * 1024:,.0f}"]
+                    f"{(peak - results[before][2]) / added * 1024:,.0f}",
+                    f"{(count - results[before][3]) / added:,.0f}"]
         rows.append([f"{entries:,}", f"{size:,}", milliseconds(floor), milliseconds(time), more[0],
-                     f"{peak:,}", more[1]])
+                     f"{peak:,}", more[1], f"{count:,}", more[2]])
     return table(["entries", "reply, bytes", "floor, ms", "tool, ms", "per further entry, µs",
-                  "peak memory, KB", "per further entry, bytes"], rows)
+                  "peak memory, KB", "per further entry, bytes", "instructions",
+                  "per further entry"], rows)
 
 
 def goals(results, growth):
     """A row for each goal: what was aimed at, what was reached, whether that is enough."""
     median = {name: statistics.median(times) for name, (times, *_) in results.items()}
     ratio = median[STATIC] / median[FLOOR]
-    peers = [name for name in median if "quorlan" not in name and name not in (FLOOR, WITHOUT_DAEMON)]
+    peers = [name for name in median
+             if "quorlan" not in name and name not in (FLOOR, WITHOUT_DAEMON)]
     nearest = min(peers, key=median.get)
     small, middle, large = GROWTH[-3:]
 
@@ -193,6 +197,7 @@ def goals(results, growth):
         ["time linear in the reply: the last tenfold costs no more per entry than the one before, "
          "times 1.25", f"{slope(1):.2f}", slope(1) <= 1.25],
         ["memory linear in the reply, likewise", f"{slope(2):.2f}", slope(2) <= 1.25],
+        ["instructions linear in the reply, likewise", f"{slope(3):.2f}", slope(3) <= 1.25],
     ]
     return table(["goal", "reached", "enough"],
                  [[goal, reached, "yes" if enough else "no"] for goal, reached, enough in rows])
@@ -254,8 +259,9 @@ def main():
     results = compare()
     growth = grow()
     when_and_where = conditions()
-    text = DOCUMENT.format(conditions=when_and_where, versions=versions(), goals=goals(results, growth),
-                           comparison=comparison_table(results), growth=growth_table(growth))
+    text = DOCUMENT.format(conditions=when_and_where, versions=versions(),
+                           comparison=comparison_table(results), goals=goals(results, growth),
+                           growth=growth_table(growth))
     (OUTPUT or TREE / "docs").joinpath("benchmarks.md").write_text(text)
     floor = statistics.median(results[FLOOR][0])
     short = table(["client", "median, ms", "ratio"],

@@ -95,14 +95,12 @@ TEST(Arena, TakesBackTheBlockThatWasCutLast)
 
 TEST(Arena, LeavesTheOthersAloneWhenAnEarlierBlockIsReleased)
 {
-    const Block first = MakeBlock(48, 0);
-    const Block second = MakeBlock(48, 1);
-    operator delete(first.data, first.size);
-    const Block third = MakeBlock(48, 2);
+    std::vector<Block> blocks = {MakeBlock(48, 0), MakeBlock(48, 1)};
+    operator delete(blocks[0].data, blocks[0].size);
+    blocks[0] = MakeBlock(96, 2);
 
-    EXPECT_TRUE(IsUntouched(second));
-    EXPECT_TRUE(IsUntouched(third));
-    Release({third, second});
+    EXPECT_TRUE(std::all_of(blocks.begin(), blocks.end(), IsUntouched));
+    Release(blocks);
 }
 
 TEST(Arena, ReleasesNoBlockAtAll)
