@@ -1,9 +1,14 @@
 #include "term/Styles.h"
+#include "tests/support/Descriptor.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <iostream>
 #include <sstream>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 TEST(Styles, AreOffAtStart)
 {
@@ -19,6 +24,30 @@ TEST(Styles, AreNeverActiveOnAStreamThatIsNoStandardStream)
 
     EXPECT_FALSE(IsStylingActive(stream));
     EXPECT_EQ(stream.str(), "");
+}
+
+TEST(Styles, LookAtTheStreamTheyAreAppliedTo)
+{
+    const Descriptor terminal(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));
+    ASSERT_EQ(grantpt(terminal.Get()), 0);
+    ASSERT_EQ(unlockpt(terminal.Get()), 0);
+    const Descriptor inTerminal(open(ptsname(terminal.Get()), O_RDWR | O_NOCTTY | O_CLOEXEC));
+    const Descriptor null(open("/dev/null", O_RDWR | O_CLOEXEC));
+    const Descriptor output(dup(STDOUT_FILENO));
+    const Descriptor error(dup(STDERR_FILENO));
+    useColors = true;
+
+    dup2(null.Get(), STDOUT_FILENO);
+    dup2(inTerminal.Get(), STDERR_FILENO);
+    const bool onOutput = IsStylingActive(std::cout);
+    const bool onError = IsStylingActive(std::cerr);
+    const bool onLog = IsStylingActive(std::clog);
+    dup2(output.Get(), STDOUT_FILENO);
+    dup2(error.Get(), STDERR_FILENO);
+
+    EXPECT_FALSE(onOutput);
+    EXPECT_TRUE(onError);
+    EXPECT_TRUE(onLog);
 }
 
 TEST(Styles, CanBeChosenAtRunTime)
