@@ -73,6 +73,24 @@ Exchange Gated(const std::string& command, const std::string& where, std::size_t
             {0, "done\n", ""}};
 }
 
+std::vector<Exchange> MakeExchanges()
+{
+    std::vector<Exchange> exchanges{
+        Once("update", "", "", sentence, "done\n"),
+        Once("update-status", "", "", sentence, "done\n"),
+        Once("debug", "boolean", "true", sentence, "done\n"),
+        Once("status", "module", "abc", sentence, "done\n"),
+        Once("pid", "module", "abc", sentence, "done\n"),
+        Once("engine-status", "", "", status, statusReport),
+        Once("list", "", "", list, listReport),
+    };
+    for (const char* const command : {"start", "stop", "restart", "reconfigure", "monitor"}) {
+        exchanges.push_back(Gated(command, "AtItsQuery", 0));
+        exchanges.push_back(Gated(command, "AtItself", 1));
+    }
+    return exchanges;
+}
+
 } // namespace
 
 std::vector<std::string> Exchange::RequestsUpToFault() const
@@ -91,26 +109,13 @@ Outcome Exchange::Unreadable(const std::string& reason) const
     return {76, IsDebugModeQuery() ? debugModeIsOff : "", badReply + reason + "\n"};
 }
 
-void PrintTo(const Exchange& exchange, std::ostream* stream)
+void PrintTo(const Exchange* exchange, std::ostream* stream)
 {
-    *stream << exchange.name;
+    *stream << exchange->name;
 }
-
-std::vector<Exchange> Exchanges()
+const std::vector<Exchange>& Exchanges()
 {
-    std::vector<Exchange> exchanges{
-        Once("update", "", "", sentence, "done\n"),
-        Once("update-status", "", "", sentence, "done\n"),
-        Once("debug", "boolean", "true", sentence, "done\n"),
-        Once("status", "module", "abc", sentence, "done\n"),
-        Once("pid", "module", "abc", sentence, "done\n"),
-        Once("engine-status", "", "", status, statusReport),
-        Once("list", "", "", list, listReport),
-    };
-    for (const char* const command : {"start", "stop", "restart", "reconfigure", "monitor"}) {
-        exchanges.push_back(Gated(command, "AtItsQuery", 0));
-        exchanges.push_back(Gated(command, "AtItself", 1));
-    }
+    static const std::vector<Exchange> exchanges = MakeExchanges();
     return exchanges;
 }
 

@@ -28,10 +28,10 @@ struct Exchange
     Outcome Unreadable(const std::string& reason) const;
 };
 
-void PrintTo(const Exchange& exchange, std::ostream* stream);
+void PrintTo(const Exchange* exchange, std::ostream* stream);
 
 /// All seventeen: seven commands that talk to the engine once, five that do twice.
-std::vector<Exchange> Exchanges();
+const std::vector<Exchange>& Exchanges();
 
 /// A reply of the same meaning with another member in front.
 std::string WithMember(const std::string& reply, const std::string& member);
