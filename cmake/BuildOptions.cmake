@@ -39,6 +39,10 @@ if(QUORLAN_SANITIZE)
   set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all)
   target_compile_options(quorlan-instrumentation INTERFACE ${sanitizers} -fno-omit-frame-pointer)
   target_link_options(quorlan-instrumentation INTERFACE ${sanitizers})
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    # As Clang does by itself: without another library to load, the tool starts sooner.
+    target_link_options(quorlan-instrumentation INTERFACE -static-libasan -static-libubsan)
+  endif()
 endif()
 
 option(QUORLAN_FUZZ "Build the fuzz targets with Clang's libFuzzer" OFF)

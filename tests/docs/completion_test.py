@@ -211,12 +211,18 @@ class Bash(Completion, unittest.TestCase):
 
 
 class Zsh(Completion, unittest.TestCase):
-    @staticmethod
-    def make_shell(folder):
+    @classmethod
+    def setUpClass(cls):
+        # Looking through all the functions of zsh takes it longer than a test.
+        cls.dump = tempfile.TemporaryDirectory()
+        cls.addClassCleanup(cls.dump.cleanup)
+
+    @classmethod
+    def make_shell(cls, folder):
         shell = Shell(["zsh", "-f", "-i"], folder)
         shell.start(f"PS1='{PROMPT}' LISTMAX=1000", "unsetopt zle_bracketed_paste beep",
                     f"fpath=({support.INSTALLED}/share/zsh/site-functions $fpath)",
-                    "autoload -Uz compinit; compinit -D -u")
+                    f"autoload -Uz compinit; compinit -u -d {cls.dump.name}/zcompdump")
         return shell
 
 

@@ -50,9 +50,10 @@ std::string Half(const std::string& reply)
     return reply.substr(0, reply.size() / 2);
 }
 
-std::string PaddedTo(std::size_t size, const std::string& reply)
+std::string PaddedTo(std::size_t size, std::string reply)
 {
-    return reply + std::string(size - reply.size(), ' ');
+    reply.resize(size, ' ');
+    return reply;
 }
 
 /// Nested arrays in a member that nobody reads; the root object is one level too.
