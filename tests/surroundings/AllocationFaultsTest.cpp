@@ -99,15 +99,8 @@ Attempt RunWithEngine(const std::vector<std::string>& arguments)
 class AllocationFaults: public testing::TestWithParam<Command>
 {
 protected:
-    void SetUp() override
-    {
-        if (!CanInjectFaults()) {
-            GTEST_SKIP()
-                << "libraries cannot be preloaded into the tool that the environment names";
-        }
-        UseToolWithoutSanitizers();
-    }
-    void TearDown() override { unsetenv("QUORLAN_BINARY"); }
+    void SetUp() override { UseBuiltToolWithoutSanitizers(); }
+    void TearDown() override { UseBuiltTool(); }
 };
 
 } // namespace

@@ -83,12 +83,14 @@ std::string InjectedFault::ReceiveTimeouts() const
     return text.str();
 }
 
-bool CanInjectFaults()
+void UseBuiltTool()
 {
-    return std::getenv("QUORLAN_BINARY") == nullptr && std::getenv("QUORLAN_LAUNCHER") == nullptr;
+    unsetenv("QUORLAN_BINARY");
+    unsetenv("QUORLAN_LAUNCHER");
 }
 
-void UseToolWithoutSanitizers()
+void UseBuiltToolWithoutSanitizers()
 {
+    UseBuiltTool();
     SetVariable("QUORLAN_BINARY", TOOL_WITHOUT_SANITIZERS);
 }

@@ -33,9 +33,9 @@ private:
     std::string mark;
 };
 
-/// Whether the tool is one that these libraries can be preloaded into: the environment may name a
-/// tool for another processor.
-bool CanInjectFaults();
+/// Runs the tool of this build from here on, whatever the environment names: these libraries can't be
+/// preloaded into a tool for another processor.
+void UseBuiltTool();
 
-/// Runs the unsanitized build of the tool from here on. AddressSanitizer has its own allocator.
-void UseToolWithoutSanitizers();
+/// The same with the unsanitized build of the tool: AddressSanitizer has its own allocator.
+void UseBuiltToolWithoutSanitizers();

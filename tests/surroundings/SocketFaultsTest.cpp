@@ -93,13 +93,7 @@ std::vector<std::string> ExpectedRequests(const Row& row, bool inQuery)
 class SocketFaults: public testing::TestWithParam<Row>
 {
 protected:
-    void SetUp() override
-    {
-        if (!CanInjectFaults()) {
-            GTEST_SKIP()
-                << "libraries cannot be preloaded into the tool that the environment names";
-        }
-    }
+    void SetUp() override { UseBuiltTool(); }
 };
 
 } // namespace

@@ -1,6 +1,6 @@
 #include "tests/sim/e2e/Simulator.h"
 
-#include <sys/wait.h>
+#include <gtest/gtest.h>
 
 namespace {
 
@@ -27,8 +27,7 @@ Simulator::Simulator(const std::vector<std::string>& arguments)
 Simulator::~Simulator()
 {
     if (process != 0) {
-        kill(process, SIGKILL);
-        waitpid(process, nullptr, 0);
+        EXPECT_EQ(End().status, 0) << outcome.err;
     }
 }
 

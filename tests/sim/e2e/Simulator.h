@@ -12,6 +12,7 @@ class Simulator
 public:
     /// Starts it and waits until it listens, or has ended because it does not start.
     explicit Simulator(const std::vector<std::string>& arguments = {});
+    /// Ends it, unless the test did; it has to end well.
     ~Simulator();
     Simulator(const Simulator&) = delete;
     Simulator& operator=(const Simulator&) = delete;
