@@ -100,6 +100,25 @@ TEST(Connection, WithASilentEngineIsGivenUpAfterFiveSecondsWithoutATimeoutLine)
     EXPECT_LT(engine.Connections().at(0).patience.count(), 60);
 }
 
+// The longest that a stalled engine can hold a run up.
+TEST(Connection, ThatStallsAtBothExchangesOfAGatedCommandIsGivenUpTwice)
+{
+    const LongReply reply(8192);
+    std::string debugMode = debugModeOn;
+    debugMode.resize(8192, ' ');
+    ScriptedEngine engine;
+    engine.OnConnection(Script().AwaitRequest().Send(debugMode).AwaitClientClose());
+    engine.OnConnection(Script().AwaitRequest().Send(reply.text).AwaitClientClose());
+
+    EXPECT_EQ(RunTool({"--start", "abc"}), (Outcome{0, reply.description + "\n", ""}));
+
+    ASSERT_EQ(engine.Connections().size(), 2U);
+    for (const auto& connection : engine.Connections()) {
+        EXPECT_GT(connection.patience.count(), 4.5);
+        EXPECT_LT(connection.patience.count(), 60);
+    }
+}
+
 TEST(Connection, LeftOpenAfterAShortReplyLosesTheReply)
 {
     ScriptedEngine engine;

@@ -64,6 +64,21 @@ TEST(Listing, SaysOfEachEmptyTableThatNoneAreLoaded)
     EXPECT_EQ(ListOf(Services("")), (Outcome{0, noServices + noModules, ""}));
 }
 
+TEST(Listing, ShowsTenThousandEntriesEachOnItsLine)
+{
+    std::string entries;
+    std::string rows;
+    for (int number = 10000; number < 20000; ++number) {
+        const std::string name = std::to_string(number);
+        entries += R"({"name":)" + name + R"(,"state":"running","version":"1"},)";
+        rows += name + "                    running        1              \n";
+    }
+    entries.pop_back();
+
+    EXPECT_EQ(ListOf(Services(entries)),
+              (Outcome{0, serviceHeading + rows + "\n" + noModules, ""}));
+}
+
 TEST(Listing, DecidesAboutTheHeartbeatColumnForEachTable)
 {
     EXPECT_EQ(
