@@ -8,18 +8,6 @@
 
 namespace {
 
-const char* const ordinary = R"({"safeModeEnabled":false,"debugModeEnabled":true,)"
-                             R"("state":"running","version":"1.0","build":"x","resultCode":0})";
-
-const std::string ordinaryReport = "Vantrel status\n"
-                                   "------------------------------\n"
-                                   "Safe mode:     disabled       \n"
-                                   "Debug mode:    enabled        \n"
-                                   "State:         running        \n"
-                                   "Version:       1.0            \n"
-                                   "Build info:    x              \n"
-                                   "\n";
-
 Outcome StatusOf(const char* reply)
 {
     ScriptedEngine engine{reply};
@@ -31,18 +19,18 @@ std::string Until(int line, const std::string& lastLabel)
 {
     std::size_t end = 0;
     for (int i = 1; i < line; ++i) {
-        end = ordinaryReport.find('\n', end) + 1;
+        end = ordinaryStatusReport.find('\n', end) + 1;
     }
-    return ordinaryReport.substr(0, end) + lastLabel;
+    return ordinaryStatusReport.substr(0, end) + lastLabel;
 }
 
 } // namespace
 
 TEST(EngineStatus, ShowsSevenLinesAndAnEmptyOne)
 {
-    ScriptedEngine engine{ordinary};
+    ScriptedEngine engine{ordinaryStatus};
 
-    EXPECT_EQ(RunTool({"--engine-status"}), (Outcome{0, ordinaryReport, ""}));
+    EXPECT_EQ(RunTool({"--engine-status"}), (Outcome{0, ordinaryStatusReport, ""}));
 
     EXPECT_EQ(engine.Requests(), std::vector<std::string>{engineStatusRequest});
 }
@@ -141,7 +129,7 @@ TEST(EngineStatus, PrintsTheReportOfAFailedRequestAndEndsWithItsCode)
 {
     EXPECT_EQ(StatusOf(R"({"safeModeEnabled":false,"debugModeEnabled":true,)"
                        R"("state":"running","version":"1.0","build":"x","resultCode":4})"),
-              (Outcome{4, ordinaryReport, ""}));
+              (Outcome{4, ordinaryStatusReport, ""}));
 }
 
 TEST(EngineStatus, WithoutAnEnginePrintsNoReport)

@@ -19,3 +19,16 @@ inline const std::string nullPointer = badReply + "Null pointer\n";
 inline const std::string engineStatusRequest = R"({"command":"engine-status"})";
 inline const char* const debugModeOn = R"({"debugModeEnabled":true,"resultCode":0})";
 inline const char* const debugModeOff = R"({"debugModeEnabled":false,"resultCode":0})";
+
+// An ordinary status of the engine, and the report of it.
+inline const char* const ordinaryStatus =
+    R"({"safeModeEnabled":false,"debugModeEnabled":true,)"
+    R"("state":"running","version":"1.0","build":"x","resultCode":0})";
+inline const std::string ordinaryStatusReport = "Vantrel status\n"
+                                                "------------------------------\n"
+                                                "Safe mode:     disabled       \n"
+                                                "Debug mode:    enabled        \n"
+                                                "State:         running        \n"
+                                                "Version:       1.0            \n"
+                                                "Build info:    x              \n"
+                                                "\n";

@@ -6,17 +6,6 @@
 
 namespace {
 
-const char* const status = R"({"safeModeEnabled":false,"debugModeEnabled":true,"state":"running",)"
-                           R"("version":"1.0","build":"x","resultCode":0})";
-const char* const statusReport = "Vantrel status\n"
-                                 "------------------------------\n"
-                                 "Safe mode:     disabled       \n"
-                                 "Debug mode:    enabled        \n"
-                                 "State:         running        \n"
-                                 "Version:       1.0            \n"
-                                 "Build info:    x              \n"
-                                 "\n";
-
 const char* const list =
     R"({"resultCode":0,"services":[{"name":"log","state":"running","version":"1"}],)"
     R"("modules":[{"name":"pump","state":"stopped","monitored":true,"version":"2"}]})";
@@ -53,7 +42,7 @@ std::string Request(const std::string& command, const std::string& key, const st
 }
 
 Exchange Once(const std::string& command, const std::string& key, const std::string& value,
-              const char* reply, const char* report)
+              const char* reply, const std::string& report)
 {
     std::vector<std::string> commandLine{"--" + command};
     if (!key.empty()) {
@@ -81,7 +70,7 @@ std::vector<Exchange> MakeExchanges()
         Once("debug", "boolean", "true", sentence, "done\n"),
         Once("status", "module", "abc", sentence, "done\n"),
         Once("pid", "module", "abc", sentence, "done\n"),
-        Once("engine-status", "", "", status, statusReport),
+        Once("engine-status", "", "", ordinaryStatus, ordinaryStatusReport),
         Once("list", "", "", list, listReport),
     };
     for (const char* const command : {"start", "stop", "restart", "reconfigure", "monitor"}) {

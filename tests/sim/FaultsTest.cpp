@@ -3,6 +3,7 @@
 #include "sim/Reply.h"
 #include "sim/StartError.h"
 #include "sim/StateFile.h"
+#include "tests/sim/Repeated.h"
 
 #include <Poco/JSON/Array.h>
 #include <Poco/JSON/Parser.h>
@@ -31,15 +32,6 @@ const char* const plainText = R"({"description":"No update has been requested","
 
 const std::string begin = R"("modules":[)";
 const std::string entry = R"({"name":"huge","state":"running","version":"1.0.0","monitored":true})";
-
-std::string Repeated(const std::string& text, int count)
-{
-    std::string all;
-    for (int i = 0; i < count; ++i) {
-        all += text;
-    }
-    return all;
-}
 
 } // namespace
 

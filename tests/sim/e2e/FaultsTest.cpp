@@ -1,6 +1,7 @@
 // Each fault, as the tool shows it and as it is on the wire.
 
 #include "tests/e2e/Texts.h"
+#include "tests/sim/Repeated.h"
 #include "tests/sim/e2e/Client.h"
 #include "tests/sim/e2e/Simulator.h"
 #include "tests/sim/e2e/TemporaryFile.h"
@@ -150,15 +151,6 @@ Outcome ListOf(const std::vector<std::string>& arguments)
 {
     const Simulator simulator(arguments);
     return RunTool({"--list"});
-}
-
-std::string Repeated(const std::string& text, int count)
-{
-    std::string all;
-    for (int i = 0; i < count; ++i) {
-        all += text;
-    }
-    return all;
 }
 
 } // namespace
