@@ -1,8 +1,7 @@
 // One request out, one reply in: what is on the wire, how long the tool waits, what it keeps.
 
+#include "tests/e2e/FullListener.h"
 #include "tests/e2e/Texts.h"
-#include "tests/support/Descriptor.h"
-#include "tests/support/EngineAddress.h"
 #include "tests/support/PrivateNetwork.h"
 #include "tests/support/ScriptedEngine.h"
 #include "tests/support/Tool.h"
@@ -41,19 +40,10 @@ TEST(Connection, RefusedIsReportedOnStandardOutput)
 
 TEST(Connection, ThatNobodyAnswersIsReportedAsNoResponseInTime)
 {
-    // A connection that fills the queue of a listener that never accepts; the kernel drops what
-    // comes after it.
-    const Descriptor listener(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    ASSERT_TRUE(TryListen(listener));
-    ASSERT_EQ(listen(listener.Get(), 0), 0);
-    const Descriptor queued(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    const sockaddr_in address = EngineAddress();
-    ASSERT_EQ(connect(queued.Get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
-              0);
+    const FullListener listener;
     ShortenConnectTimeout();
 
-    EXPECT_EQ(RunTool({"--update"}),
-              (Outcome{69, "Vantrel failed to respond in time: 127.0.0.1:7777; Timeout\n", ""}));
+    EXPECT_EQ(RunTool({"--update"}), (Outcome{69, noAnswer, ""}));
 }
 
 TEST(Connection, CarriesOneCompactObjectAndNothingBehindIt)

@@ -1,6 +1,8 @@
 // What a run is like when its standard streams are not what a program may hope for.
 
+#include "tests/e2e/FullListener.h"
 #include "tests/e2e/Texts.h"
+#include "tests/support/PrivateNetwork.h"
 #include "tests/support/ScriptedEngine.h"
 #include "tests/support/Tool.h"
 
@@ -115,8 +117,9 @@ TEST(StandardStreams, EveryLineIsFlushed)
         return parts;
     };
     ScriptedEngine engine;
-    for (const char* const arguments : {"--update", "--engine-status", "--list", "--version",
-                                        "--start abc", "--update --update"}) {
+    // More follows in each run: its end would write out what was kept back until then.
+    for (const char* const arguments : {"--update --version", "--engine-status --version",
+                                        "--list --version", "--start abc --version"}) {
         for (int run = 0; run < 2; ++run) {
             engine.OnConnection(
                 Reply(R"({"resultCode":0,"description":"d","safeModeEnabled":true,"state":"s",)"
@@ -133,6 +136,14 @@ TEST(StandardStreams, TheMessageOfAFailedConnectionIsFlushed)
 {
     EXPECT_EQ(WritesOfTool(Words("--update --update-status")),
               (std::vector<std::string>{connectionRefused, connectionRefused}));
+}
+
+TEST(StandardStreams, TheMessageOfAConnectionThatNobodyAnswersIsFlushed)
+{
+    const FullListener listener;
+    ShortenConnectTimeout();
+
+    EXPECT_EQ(WritesOfTool(Words("--update --version")).at(0), noAnswer);
 }
 
 TEST(StandardStreams, TheMessageBeforeTheHelpScreenIsFlushed)

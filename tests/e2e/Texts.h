@@ -7,6 +7,7 @@
 
 inline const std::string connectionRefused =
     "Failed to connect to Vantrel at 127.0.0.1:7777; Connection refused\n";
+inline const std::string noAnswer = "Vantrel failed to respond in time: 127.0.0.1:7777; Timeout\n";
 inline const std::string debugModeIsOff =
     "Debug mode is disabled, set debugmode first with -d option\n";
 
