@@ -42,12 +42,14 @@ TEST(Styles, LookAtTheStreamTheyAreAppliedTo)
     const bool onOutput = IsStylingActive(std::cout);
     const bool onError = IsStylingActive(std::cerr);
     const bool onLog = IsStylingActive(std::clog);
+    const bool onAnother = IsStylingActive(std::ostringstream());
     dup2(output.Get(), STDOUT_FILENO);
     dup2(error.Get(), STDERR_FILENO);
 
     EXPECT_FALSE(onOutput);
     EXPECT_TRUE(onError);
     EXPECT_TRUE(onLog);
+    EXPECT_FALSE(onAnother);
 }
 
 TEST(Styles, CanBeChosenAtRunTime)
