@@ -33,8 +33,8 @@ private:
     std::string mark;
 };
 
-/// Runs the tool of this build from here on, whatever the environment names: these libraries can't be
-/// preloaded into a tool for another processor.
+/// Runs the tool of this build from here on, whatever the environment names: these libraries can't
+/// be preloaded into a tool for another processor.
 void UseBuiltTool();
 
 /// The same with the unsanitized build of the tool: AddressSanitizer has its own allocator.

@@ -18,6 +18,20 @@ std::string NameOfSignal(const testing::TestParamInfo<int>& info)
     return info.param == SIGINT ? "Interrupt" : "Termination";
 }
 
+/// What a client that has asked a simulator with a fault still gets when that is ended.
+Answer AnswerAtTheEnd(const std::string& fault, int signal)
+{
+    Simulator simulator({"--fault=" + fault});
+    Client client;
+    client.Send(list);
+    simulator.AwaitLog(list);
+
+    const Outcome outcome = simulator.End(signal);
+
+    EXPECT_EQ(outcome.status, 0) << outcome.err;
+    return client.Receive();
+}
+
 } // namespace
 
 TEST_P(SimulatorEnd, IsCleanWithoutClients)
@@ -40,41 +54,17 @@ TEST_P(SimulatorEnd, DoesNotWaitForARequest)
 
 TEST_P(SimulatorEnd, DoesNotWaitForAClientThatWaitsForAnAnswer)
 {
-    Simulator simulator({"--fault=silent"});
-    Client client;
-    client.Send(list);
-    simulator.AwaitLog(list);
-
-    const Outcome outcome = simulator.End(GetParam());
-
-    EXPECT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_EQ(client.Receive(), Answer{});
+    EXPECT_EQ(AnswerAtTheEnd("silent", GetParam()), Answer{});
 }
 
 TEST_P(SimulatorEnd, DoesNotWaitForAClientThatDoesNotRead)
 {
-    Simulator simulator({"--fault=huge"});
-    Client client;
-    client.Send(list);
-    simulator.AwaitLog(list);
-
-    const Outcome outcome = simulator.End(GetParam());
-
-    EXPECT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_LT(client.Receive().bytes.size(), 6U * 1024 * 1024);
+    EXPECT_LT(AnswerAtTheEnd("huge", GetParam()).bytes.size(), 6U * 1024 * 1024);
 }
 
 TEST_P(SimulatorEnd, CutsASlowReplyShort)
 {
-    Simulator simulator({"--fault=slow"});
-    Client client;
-    client.Send(list);
-    simulator.AwaitLog(list);
-
-    const Outcome outcome = simulator.End(GetParam());
-
-    EXPECT_EQ(outcome.status, 0) << outcome.err;
-    EXPECT_EQ(client.Receive().bytes.find(R"("services")"), std::string::npos);
+    EXPECT_EQ(AnswerAtTheEnd("slow", GetParam()).bytes.find(R"("services")"), std::string::npos);
 }
 
 INSTANTIATE_TEST_SUITE_P(By, SimulatorEnd, testing::Values(SIGINT, SIGTERM), NameOfSignal);
