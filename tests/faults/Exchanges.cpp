@@ -21,6 +21,9 @@ const char* const listReport =
 
 const char* const sentence = R"({"description":"done","resultCode":0})";
 
+// All that the query needs: a test tries the reply cut off after each of its bytes.
+const char* const inDebugMode = R"({"debugModeEnabled":true})";
+
 /// "update-status" as a part of a test's name.
 std::string Letters(const std::string& command)
 {
@@ -57,7 +60,7 @@ Exchange Gated(const std::string& command, const std::string& where, std::size_t
     return {command + where,
             {"--" + command, "abc"},
             {engineStatusRequest, Request(command, "module", "abc")},
-            {debugModeOn, sentence},
+            {inDebugMode, sentence},
             faulty,
             {0, "done\n", ""}};
 }

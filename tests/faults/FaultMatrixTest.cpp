@@ -42,7 +42,9 @@ void PrintTo(const Fault* fault, std::ostream* stream)
 /// The reply, or what is left of it, behind the request.
 Script Answer(std::string bytes)
 {
-    return Script().AwaitRequest().Send(std::move(bytes));
+    Script script; // returned without a copy of the bytes, of which there may be many
+    script.AwaitRequest().Send(std::move(bytes));
+    return script;
 }
 
 std::string Half(const std::string& reply)
