@@ -7,6 +7,7 @@
 #include <Poco/Net/ServerSocket.h>
 #include <Poco/Net/SocketAddress.h>
 #include <Poco/Net/StreamSocket.h>
+#include <Poco/Timespan.h>
 
 using Poco::Net::ServerSocket;
 using Poco::Net::SocketAddress;
@@ -22,9 +23,11 @@ struct Pair
     StreamSocket accepted{listener.acceptConnection()};
 };
 
-/// Waits for what the other end sends; whether it has ended the connection instead.
+/// Waits for what the other end sends; whether it has ended the connection instead. Throws when
+/// neither happens for a long time.
 bool IsAtItsEnd(StreamSocket& socket)
 {
+    socket.setReceiveTimeout(Poco::Timespan(30, 0));
     char byte = 0;
     return socket.receiveBytes(&byte, 1) == 0;
 }
