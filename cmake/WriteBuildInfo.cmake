@@ -33,7 +33,10 @@ function(git variable)
   set(${variable} "${output}" PARENT_SCOPE)
 endfunction()
 
-set(dependencies "")
+# Ninja takes a depfile that names nothing for one that is missing, and would write the texts anew
+# at every build.
+string(REPLACE " " "\\ " script "${CMAKE_CURRENT_LIST_FILE}")
+set(dependencies " ${script}")
 git(top rev-parse --show-toplevel)
 get_filename_component(source_dir "${SOURCE_DIR}" REALPATH)
 # An archive unpacked inside some other repository is not that repository's revision.
