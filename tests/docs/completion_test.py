@@ -43,11 +43,16 @@ class Shell:
                                      dimensions=(50, 100), timeout=support.PATIENCE)
         self.process.delaybeforesend = None
 
+    def row(self, number):
+        # As in Screen.display, which looks at all cells of the screen and takes its time for it.
+        cells = self.screen.buffer[number]
+        return "".join(cells[x].data for x in range(max(cells, default=-1) + 1)).rstrip()
+
     def shown(self):
-        return "\n".join(line.rstrip() for line in self.screen.display).strip()
+        return "\n".join(map(self.row, range(self.screen.lines))).strip()
 
     def line(self):
-        return self.screen.display[self.screen.cursor.y].rstrip()
+        return self.row(self.screen.cursor.y)
 
     def await_screen(self, condition, what):
         end = time.monotonic() + support.PATIENCE
