@@ -1,27 +1,28 @@
 #include "tests/faults/Exchanges.h"
 
 #include "tests/e2e/Texts.h"
+#include "tests/support/ScriptedEngine.h"
 
+#include <algorithm>
 #include <ostream>
 
 namespace {
 
+// Short, all of them: a test tries each reply cut off after each of its bytes.
 const char* const list =
-    R"({"resultCode":0,"services":[{"name":"log","state":"running","version":"1"}],)"
-    R"("modules":[{"name":"pump","state":"stopped","monitored":true,"version":"2"}]})";
-const char* const listReport =
-    "SERVICE NAME             STATE          VERSION        \n"
-    "-------------------------------------------------------\n"
-    "log                      running        1              \n"
-    "\n"
-    "MODULE NAME              STATE          HEARTBEAT      VERSION        \n"
-    "----------------------------------------------------------------------\n"
-    "pump                     stopped        yes            2              \n"
-    "\n";
+    R"({"resultCode":0,"services":[{"name":"a","state":"b","version":"c"}],"modules":[]})";
+const char* const listReport = "SERVICE NAME             STATE          VERSION        \n"
+                               "-------------------------------------------------------\n"
+                               "a                        b              c              \n"
+                               "\n"
+                               "MODULE NAME              STATE          VERSION        \n"
+                               "-------------------------------------------------------\n"
+                               "None are loaded!\n"
+                               "\n";
 
 const char* const sentence = R"({"description":"done","resultCode":0})";
 
-// All that the query needs: a test tries the reply cut off after each of its bytes.
+// All that the query needs.
 const char* const inDebugMode = R"({"debugModeEnabled":true})";
 
 /// "update-status" as a part of a test's name.
@@ -90,6 +91,20 @@ std::vector<std::string> Exchange::RequestsUpToFault() const
     return {requests.begin(), requests.begin() + static_cast<std::ptrdiff_t>(faulty) + 1};
 }
 
+void Exchange::ServeUpToFault(ScriptedEngine& engine) const
+{
+    for (std::size_t i = 0; i < faulty; ++i) {
+        engine.OnConnection(::Reply(replies[i]));
+    }
+}
+
+void Exchange::ServeAfterFault(ScriptedEngine& engine) const
+{
+    for (std::size_t i = faulty + 1; i < replies.size(); ++i) {
+        engine.OnConnection(::Reply(replies[i]));
+    }
+}
+
 Outcome Exchange::Refused() const
 {
     return IsDebugModeQuery() ? Outcome{76, connectionRefused + debugModeIsOff, emptyReply}
@@ -105,10 +120,17 @@ void PrintTo(const Exchange* exchange, std::ostream* stream)
 {
     *stream << exchange->name;
 }
-const std::vector<Exchange>& Exchanges()
+
+const std::vector<const Exchange*>& Exchanges()
 {
     static const std::vector<Exchange> exchanges = MakeExchanges();
-    return exchanges;
+    static const std::vector<const Exchange*> pointers = [] {
+        std::vector<const Exchange*> all(exchanges.size());
+        std::transform(exchanges.begin(), exchanges.end(), all.begin(),
+                       [](const Exchange& exchange) { return &exchange; });
+        return all;
+    }();
+    return pointers;
 }
 
 std::string WithMember(const std::string& reply, const std::string& member)

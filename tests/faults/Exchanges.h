@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+class ScriptedEngine;
+
 /// One place where the tool talks to the engine: a command that does so once, or one of the two
 /// exchanges of a command that asks for the debug mode first.
 struct Exchange
@@ -20,6 +22,10 @@ struct Exchange
     const std::string& Reply() const { return replies.at(faulty); }
     bool IsDebugModeQuery() const { return faulty + 1 < replies.size(); }
 
+    /// Have the engine do the exchanges before, or after, the faulty one well.
+    void ServeUpToFault(ScriptedEngine& engine) const;
+    void ServeAfterFault(ScriptedEngine& engine) const;
+
     /// The requests that are sent when the run ends after the faulty exchange.
     std::vector<std::string> RequestsUpToFault() const;
     /// How a run ends whose engine refuses the connection.
@@ -30,8 +36,10 @@ struct Exchange
 
 void PrintTo(const Exchange* exchange, std::ostream* stream);
 
-/// All seventeen: seven commands that talk to the engine once, five that do twice.
-const std::vector<Exchange>& Exchanges();
+/// All seventeen: seven commands that talk to the engine once, five that do twice. They last as
+/// long as the program; a test's parameter is a pointer, as each test is a process that registers
+/// all the tests of its program first, and copies would take longer than the test.
+const std::vector<const Exchange*>& Exchanges();
 
 /// A reply of the same meaning with another member in front.
 std::string WithMember(const std::string& reply, const std::string& member);
