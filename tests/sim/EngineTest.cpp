@@ -165,7 +165,7 @@ TEST(SimEngine, AnswersOneRequestAfterTheOther)
     const auto ask = [&engine] {
         Poco::JSON::Object request;
         request.set("command", "update-status");
-        for (int round = 0; round < 500; ++round) {
+        for (int round = 0; round < 50; ++round) {
             engine.Answer(request);
         }
     };
