@@ -25,8 +25,8 @@ struct OptionRow
 constexpr const char* noShortName = "";
 constexpr const char* noGroup = "";
 
-// At most one option of this group may be given in a run. POCO counts every occurrence, so a
-// repeatable option fails as incompatible with itself, not as a duplicate.
+// At most one option of this group may be given in a run. POCO counts every occurrence, and does so
+// first: an option given twice fails as incompatible with itself, repeatable or not.
 constexpr const char* commandGroup = "command";
 
 constexpr bool once = false;

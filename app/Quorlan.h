@@ -9,10 +9,9 @@
 #include <string>
 #include <vector>
 
-/// The command-line tool. One run handles at most one command: its option handler sends one
-/// request to the engine, prints one report and leaves the outcome in exitCode. All of that
-/// happens inside init(), while POCO processes the command line; main() only picks the exit
-/// status.
+/// The command-line tool. The handler of a command's option asks the engine, prints one report and
+/// leaves the outcome in exitCode. All of that happens inside init(), while POCO processes the
+/// command line; main() only picks the exit status.
 ///
 /// Members are grouped by the file that defines them:
 ///   app/Quorlan.cpp               run flow, exit status
@@ -58,7 +57,7 @@ public:
 
     /// Sends the request, gives the reply to handler, which prints the report, and only then
     /// takes the reply's "resultCode" over as exitCode where it is not 0: a command that the
-    /// engine refused has its report printed too. Sets EXIT_UNAVAILABLE if there was no reply.
+    /// engine refused has its report printed too. Sets EXIT_UNAVAILABLE if SendRequest failed.
     void ExecuteRequest(const Poco::JSON::Object& request, const ReplyHandler& handler);
 
     /// Parses a reply and gives its root object to reader. Any POCO exception, also one from

@@ -36,7 +36,7 @@ bool Quorlan::SendRequest(const Poco::JSON::Object& request, std::string& reply)
         socket.setReceiveTimeout(Poco::Timespan(replyWaitSeconds, 0));
         socket.setBlocking(true);
         // The streams swallow the socket's exceptions: a stalled or broken connection ends the
-        // copy quietly and leaves a cut-off reply for the parser to refuse.
+        // copy quietly, and what had arrived in whole blocks goes to the parser.
         Poco::Net::SocketStream stream(socket);
         Poco::StreamCopier::copyToString(stream, reply, replyBlockSize);
         return true;

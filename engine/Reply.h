@@ -6,6 +6,7 @@
 
 /// Prints a command's report from the root object of the engine's reply. Ownership is shared.
 ///
-/// Members are read with Object::getValue<T>: a value of that type as it stands, another through
-/// POCO's conversion; a missing or null one throws Poco::InvalidAccessException.
+/// A member that the report needs is read with Object::getValue<T>: a value of that type as it
+/// stands, another through POCO's conversion; a missing or null one throws
+/// Poco::InvalidAccessException.
 using ReplyHandler = std::function<void(Poco::JSON::Object::Ptr reply)>;

@@ -149,13 +149,18 @@ TEST(Connection, LeftOpenAfterOneByteMoreThanABlockKeepsTheBlockAlone)
 
 TEST(Connection, ResetInsideTheReplyKeepsTheWholeBlocks)
 {
-    const LongReply reply(8193);
+    const LongReply reply(8192);
     ScriptedEngine engine;
-    engine.OnConnection(Script()
-                            .AwaitRequest()
-                            .Send(reply.text.substr(0, 8000))
-                            .SendInPieces(" ", 1, 100ms)
-                            .Reset());
+    engine.OnConnection(Script().AwaitRequest().Send(reply.text + " ").Reset());
+
+    EXPECT_EQ(RunTool({"--update"}), (Outcome{0, reply.description + "\n", ""}));
+}
+
+TEST(Connection, ResetInsideTheFirstBlockLeavesAnEmptyReply)
+{
+    const LongReply reply(8191);
+    ScriptedEngine engine;
+    engine.OnConnection(Script().AwaitRequest().Send(reply.text).Reset());
 
     EXPECT_EQ(RunTool({"--update"}), cutOff);
 }

@@ -146,6 +146,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Spelling{"--update=now", "Unexpected option argument: update=now"}),
     NameOf);
 
+namespace {
+
 // Each with an argument where it takes one.
 const char* const commands[] = {
     "--debug true", "--start abc",       "--stop abc", "--restart abc", "--list",
@@ -155,26 +157,57 @@ class CommandsOfTheGroup: public testing::TestWithParam<const char*>
 {
 };
 
+struct Conversation
+{
+    Outcome outcome;
+    std::vector<std::string> requests;
+};
+
+Conversation ConversationOf(const std::string& commandLine)
+{
+    ScriptedEngine engine{serviceableReply, serviceableReply, serviceableReply, serviceableReply};
+    const Outcome outcome = RunTool(Words(commandLine));
+    return {outcome, engine.Requests()};
+}
+
+} // namespace
+
 TEST_P(CommandsOfTheGroup, RefuseAnotherBehindThem)
 {
-    ScriptedEngine engine{serviceableReply, serviceableReply};
+    const Conversation alone = ConversationOf(GetParam());
 
-    const Outcome outcome = RunTool(Words(GetParam() + std::string(" --pid other")));
+    const Conversation run = ConversationOf(GetParam() + std::string(" --pid other"));
 
-    EXPECT_EQ(outcome.status, 78);
-    EXPECT_EQ(outcome.err, "Incompatible options: pid\n");
+    EXPECT_EQ(run.outcome, (Outcome{78, alone.outcome.out, "Incompatible options: pid\n"}));
+    EXPECT_EQ(run.requests, alone.requests);
+}
+
+// Also one that is not repeatable: the group is looked at first.
+TEST_P(CommandsOfTheGroup, AreIncompatibleWithThemselves)
+{
+    const std::string command = GetParam();
+    const Conversation alone = ConversationOf(command);
+
+    const Conversation run = ConversationOf(command + " " + command);
+
+    const std::string name = command.substr(2, command.find(' ') - 2);
+    EXPECT_EQ(run.outcome,
+              (Outcome{78, alone.outcome.out, "Incompatible options: " + name + "\n"}));
+    EXPECT_EQ(run.requests, alone.requests);
 }
 
 TEST_P(CommandsOfTheGroup, LeaveRoomForTheOptionsOutsideIt)
 {
-    for (const char* const other : {" --update", " --update-status", " --colors", " --help"}) {
-        ScriptedEngine engine{serviceableReply, serviceableReply, serviceableReply};
+    const Conversation alone = ConversationOf(GetParam());
+    const std::string helpScreen = RunTool({"--help"}).out;
 
-        const Outcome outcome = RunTool(Words(GetParam() + std::string(other)));
+    const Conversation run =
+        ConversationOf(GetParam() + std::string(" --colors --update --update-status --help"));
 
-        EXPECT_EQ(outcome.status, 0) << other;
-        EXPECT_EQ(outcome.err, "") << other;
-    }
+    EXPECT_EQ(run.outcome, (Outcome{0, alone.outcome.out + "ok\nok\n" + helpScreen, ""}));
+    std::vector<std::string> requests = alone.requests;
+    requests.insert(requests.end(), {R"({"command":"update"})", R"({"command":"update-status"})"});
+    EXPECT_EQ(run.requests, requests);
 }
 
 INSTANTIATE_TEST_SUITE_P(Options, CommandsOfTheGroup, testing::ValuesIn(commands));

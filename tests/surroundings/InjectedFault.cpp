@@ -19,7 +19,7 @@ void SetVariable(const char* name, const std::string& value)
 
 // Both read by the preloaded libraries alone; the tool has no environment variables.
 constexpr const char* variables[] = {"LD_PRELOAD",  "FAULT_CALL",  "FAULT_NTH",  "FAULT_TIMES",
-                                     "FAULT_ERRNO", "FAULT_LIMIT", "FAULT_MARK", "FAULT_WAIT"};
+                                     "FAULT_ERRNO", "FAULT_LIMIT", "FAULT_MARK", "FAULT_LOG"};
 
 } // namespace
 
@@ -31,7 +31,7 @@ InjectedFault::InjectedFault(const std::string& library, const std::string& call
     SetVariable("LD_PRELOAD", library);
     SetVariable("FAULT_CALL", call);
     SetVariable("FAULT_MARK", mark);
-    SetVariable("FAULT_WAIT", folder + "/wait");
+    SetVariable("FAULT_LOG", folder + "/log");
     // A sanitizer's own library wants to come first, but works behind another, too.
     SetVariable("ASAN_OPTIONS", "verify_asan_link_order=0");
 }
@@ -76,10 +76,10 @@ bool InjectedFault::Happened() const
     return fs::exists(mark);
 }
 
-std::string InjectedFault::ReceiveTimeouts() const
+std::string InjectedFault::SocketSettings() const
 {
     std::ostringstream text;
-    text << std::ifstream(folder + "/wait").rdbuf();
+    text << std::ifstream(folder + "/log").rdbuf();
     return text.str();
 }
 

@@ -14,7 +14,7 @@ public:
     /// Each send or recv moves at most limit bytes.
     static InjectedFault ShortTransfers(const std::string& call, int limit);
 
-    /// Nothing fails; the receive time-outs that are set are kept for ReceiveTimeouts.
+    /// Nothing fails; what is set of a socket is kept for SocketSettings.
     static InjectedFault None();
 
     InjectedFault(const InjectedFault&) = delete;
@@ -23,8 +23,9 @@ public:
 
     /// Whether a program has got that far.
     bool Happened() const;
-    /// The receive time-out of every socket so far, in microseconds, a line each.
-    std::string ReceiveTimeouts() const;
+    /// What was set of every socket so far, in order, a line each: "wait" with the receive time-out
+    /// in microseconds, "flags" for the flags with the blocking mode.
+    std::string SocketSettings() const;
 
 private:
     InjectedFault(const std::string& library, const std::string& call);

@@ -10,7 +10,8 @@
 //   FAULT_LIMIT  the most bytes that one send or recv moves
 //   FAULT_MARK   a file that is made when a call fails, so that a test that goes from the first
 //                call to the last knows when there are no more
-//   FAULT_WAIT   a file that the receive time-out of each socket is written to, as microseconds
+//   FAULT_LOG    a file that is told of each receive time-out, in microseconds, and each change of
+//                a descriptor's flags, a line each
 //
 // Calls that the C library makes by itself, such as the writes behind a standard stream, don't pass
 // here.
@@ -21,6 +22,7 @@
 #include <cstdarg>
 #include <cstdlib>
 #include <fstream>
+#include <string>
 
 #include <dlfcn.h>
 #include <poll.h>
@@ -45,10 +47,17 @@ Function* Next(Function& /*call*/, const char* name)
     return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
-void TellWait(const timeval& wait)
+void Log(const std::string& line)
 {
-    if (const char* const path = std::getenv("FAULT_WAIT")) {
-        std::ofstream(path, std::ios::app) << wait.tv_sec * 1000000 + wait.tv_usec << "\n";
+    if (const char* const path = std::getenv("FAULT_LOG")) {
+        std::ofstream(path, std::ios::app) << line << "\n";
+    }
+}
+
+void LogFcntl(int command)
+{
+    if (command == F_SETFL) {
+        Log("flags");
     }
 }
 
@@ -69,7 +78,8 @@ int connect(int descriptor, const sockaddr* address, socklen_t length)
 int setsockopt(int descriptor, int level, int name, const void* value, socklen_t length) noexcept
 {
     if (level == SOL_SOCKET && name == SO_RCVTIMEO) {
-        TellWait(*static_cast<const timeval*>(value));
+        const auto& wait = *static_cast<const timeval*>(value);
+        Log("wait " + std::to_string(wait.tv_sec * 1000000 + wait.tv_usec));
     }
     return Fails("setsockopt")
                ? -1
@@ -125,6 +135,7 @@ int fcntl(int descriptor, int command, ...)
     va_start(rest, command);
     void* const argument = va_arg(rest, void*);
     va_end(rest);
+    LogFcntl(command);
     return Fails("fcntl") ? -1 : Next(fcntl, "fcntl")(descriptor, command, argument);
 }
 
@@ -134,6 +145,7 @@ int fcntl64(int descriptor, int command, ...)
     va_start(rest, command);
     void* const argument = va_arg(rest, void*);
     va_end(rest);
+    LogFcntl(command);
     return Fails("fcntl") ? -1 : Next(fcntl64, "fcntl64")(descriptor, command, argument);
 }
 

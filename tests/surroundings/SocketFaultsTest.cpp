@@ -147,12 +147,12 @@ TEST_F(SocketFaults, ThatMoveOneByteAtATimeChangeNothing)
     }
 }
 
-TEST_F(SocketFaults, AreNotNeededToSeeThatEveryExchangeWaitsFiveSeconds)
+TEST_F(SocketFaults, AreNotNeededToSeeThatEveryExchangeSetsItsWaitAndThenItsMode)
 {
     ScriptedEngine engine{debugModeOn, R"({"description":"ok","resultCode":0})"};
     const auto fault = InjectedFault::None();
 
     EXPECT_EQ(RunTool(Words("--start abc")), (Outcome{0, "ok\n", ""}));
 
-    EXPECT_EQ(fault.ReceiveTimeouts(), "5000000\n5000000\n");
+    EXPECT_EQ(fault.SocketSettings(), "wait 5000000\nflags\nwait 5000000\nflags\n");
 }

@@ -45,13 +45,17 @@ TEST_F(Exchange, CollectsExactlyTheBytesThatTheEngineSent)
 TEST_F(Exchange, GivesTheHandlerTheObjectOnceAndBeforeTheResultCode)
 {
     ScriptedEngine engine{R"({"key":"value","resultCode":3})"};
+    quorlan->init(std::vector<std::string>{"quorlan", "--"}); // an argument, and no command
     std::vector<std::string> seen;
+    int statusBefore = -1;
 
-    quorlan->ExecuteRequest(MakeRequest("status"), [&seen](const Poco::JSON::Object::Ptr& reply) {
+    quorlan->ExecuteRequest(MakeRequest("status"), [&](const Poco::JSON::Object::Ptr& reply) {
         seen.push_back(reply->getValue<std::string>("key"));
+        statusBefore = ExitStatus();
     });
 
     EXPECT_EQ(seen, std::vector<std::string>{"value"});
+    EXPECT_EQ(statusBefore, 0);
     EXPECT_EQ(ExitStatus(), 3);
 }
 
