@@ -64,9 +64,12 @@ Poco::JSON::Object Engine::Answer(const Poco::JSON::Object& request)
 {
     const std::lock_guard<std::mutex> lock(mutex);
     Settle();
+    if (!request.has("command")) {
+        return MakeReply(ResultCode::BadRequest, "The request has no \"command\"");
+    }
     const std::string name = TextMember(request, "command");
     if (name.empty()) {
-        return MakeReply(ResultCode::BadRequest, "The request has no \"command\"");
+        return MakeReply(ResultCode::BadRequest, "\"command\" is not the name of a command");
     }
     for (const Command& command : commands) {
         if (name == command.name) {

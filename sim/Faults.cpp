@@ -50,15 +50,16 @@ std::string WithoutResultCode(const Poco::JSON::Object& reply)
 std::string WithHugeList(const Poco::JSON::Object& reply)
 {
     const std::string begin = "\"modules\":[";
-    const std::string entry =
-        R"({"name":"huge","state":"running","version":"1.0.0","monitored":true})";
-
     std::string text = Compact(reply);
     const std::size_t found = text.find(begin);
     if (found == std::string::npos) {
         return text;
     }
     const std::size_t first = found + begin.size();
+    // Like the modules behind them: "monitored" is a member of all of a list or of none.
+    const bool watched = text[first] == ']' || text.compare(first, 13, "{\"monitored\":") == 0;
+    const std::string entry = std::string(R"({"name":"huge","state":"running","version":"1.0.0")") +
+                              (watched ? R"(,"monitored":true})" : "}");
     std::string entries = entry;
     for (int i = 1; i < hugeListLength; ++i) {
         entries += "," + entry;

@@ -78,7 +78,8 @@ void Engine::Settle()
 {
     for (auto* modules : {&state.services, &state.modules}) {
         for (Module& module : *modules) {
-            if (module.state == "reconfiguring" && now() >= module.reconfiguredAt) {
+            if (module.state == "reconfiguring" && module.reconfiguredAt &&
+                now() >= *module.reconfiguredAt) {
                 module.state = "running";
             }
         }
@@ -132,7 +133,8 @@ Poco::JSON::Object Engine::Monitor(Module& module)
 
 Poco::JSON::Object Engine::Status(Module& module)
 {
-    return Done(module.name + " is " + module.state);
+    return Done(module.name + " is " + module.state +
+                (module.monitored.value_or(true) ? "" : ", not monitored"));
 }
 
 Poco::JSON::Object Engine::Pid(Module& module)

@@ -1,5 +1,6 @@
 #include "sim/Request.h"
 
+#include "sim/Log.h"
 #include "sim/RequestFrame.h"
 
 #include <Poco/Exception.h>
@@ -44,7 +45,8 @@ void Parse(Request& request)
         const Poco::Dynamic::Var json = Poco::JSON::Parser().parse(request.text);
         request.object = json.extract<Poco::JSON::Object::Ptr>();
     } catch (const Poco::Exception& exception) {
-        request.problem = "The request is not valid JSON: " + exception.message();
+        // POCO's message may quote a byte of the request that is no character by itself.
+        request.problem = "The request is not valid JSON: " + Printable(exception.message());
     }
 }
 

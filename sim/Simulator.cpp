@@ -26,7 +26,7 @@ namespace sim {
 
 namespace {
 
-constexpr int maxConnections = 256;       // more wait until one of these ends
+constexpr int maxConnections = 1024;      // as many more wait until one of these ends
 constexpr long idleMicroseconds = 100000; // a thread that waits for clients notices the end
 
 /// To be called before there is any other thread: threads inherit it, and a signal that reached
@@ -122,6 +122,7 @@ void Simulator::Serve()
 {
     const Fault& fault = faultName ? FindFault(*faultName) : NoFault();
     Engine engine(stateFile ? LoadState(*stateFile) : DefaultState());
+    LeaveSignalsToTheWait();
     OpenConnections open;
     Poco::ThreadPool threads(2, maxConnections);
     Poco::Net::TCPServer server(new ConnectionFactory(engine, fault, open), threads, Listen(),
@@ -136,9 +137,9 @@ void Simulator::Serve()
 
 int RunSimulator(int argc, char** argv)
 {
-    LeaveSignalsToTheWait();
-    Poco::AutoPtr<Simulator> simulator(new Simulator);
+    Poco::AutoPtr<Simulator> simulator;
     try {
+        simulator = new Simulator;
         simulator->init(argc, argv);
     } catch (const Poco::Exception& exception) {
         Log(exception.displayText());

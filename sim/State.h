@@ -16,7 +16,7 @@ struct Module
     std::string version;
     std::optional<bool> monitored; ///< Absent where the engine watches no heartbeat at all.
     int pid = 0;                   ///< 0 for one without a process.
-    TimePoint reconfiguredAt;      ///< When the state "reconfiguring" ends.
+    std::optional<TimePoint> reconfiguredAt; ///< When a reconfiguration by command ends.
 };
 
 /// Everything the engine knows when it starts.

@@ -3,6 +3,7 @@
 
 #include "sim/StateFile.h"
 
+#include "sim/Log.h"
 #include "sim/StartError.h"
 #include "sim/StrictObject.h"
 
@@ -15,11 +16,12 @@
 #include <cstring>
 #include <fstream>
 #include <set>
-#include <sstream>
 
 namespace sim {
 
 namespace {
+
+constexpr std::size_t maxStateLength = 1 << 20; // a device file would never end
 
 Module ReadModule(const StrictObject& object)
 {
@@ -89,11 +91,16 @@ State ReadRoot(const Poco::Dynamic::Var& json)
 State ReadState(const std::string& json, const std::string& origin)
 {
     constexpr int status = Poco::Util::Application::EXIT_DATAERR;
+    // POCO's parser knows no root but an object or an array.
+    const std::size_t first = json.find_first_not_of(" \t\r\n");
+    if (first != std::string::npos && json[first] != '{') {
+        throw StartError(status, origin + ": not a JSON object");
+    }
     Poco::Dynamic::Var root;
     try {
         root = Poco::JSON::Parser().parse(json);
     } catch (const Poco::Exception& exception) {
-        throw StartError(status, origin + ": not valid JSON: " + exception.message());
+        throw StartError(status, origin + ": not valid JSON: " + Printable(exception.message()));
     }
     try {
         return ReadRoot(root);
@@ -106,14 +113,18 @@ State LoadState(const std::string& path)
 {
     errno = 0;
     std::ifstream file(path, std::ios::binary);
-    std::ostringstream json;
-    json << file.rdbuf();
+    std::string json(maxStateLength + 1, '\0');
+    file.read(json.data(), static_cast<std::streamsize>(json.size()));
     // A directory can be opened but not read, which shows only in errno.
     if (!file.is_open() || errno != 0) {
         throw StartError(Poco::Util::Application::EXIT_NOINPUT,
                          path + ": cannot be read: " + std::strerror(errno));
     }
-    return ReadState(json.str(), path);
+    json.resize(static_cast<std::size_t>(file.gcount()));
+    if (json.size() > maxStateLength) {
+        throw StartError(Poco::Util::Application::EXIT_DATAERR, path + ": longer than 1 MiB");
+    }
+    return ReadState(json, path);
 }
 
 } // namespace sim

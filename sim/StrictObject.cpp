@@ -1,5 +1,7 @@
 #include "sim/StrictObject.h"
 
+#include "sim/Log.h"
+
 #include <algorithm>
 #include <typeinfo>
 #include <utility>
@@ -59,7 +61,7 @@ void StrictObject::AllowOnly(const std::vector<std::string>& keys) const
 {
     for (const auto& member : *object) {
         if (std::find(keys.begin(), keys.end(), member.first) == keys.end()) {
-            Fail("\"" + member.first + "\" is not known here");
+            Fail("\"" + Printable(member.first) + "\" is not known here");
         }
     }
 }

@@ -86,6 +86,15 @@ TEST(SimEngine, RefusesARequestWithoutACommand)
     TestEngine engine;
 
     EXPECT_EQ(engine.Answer(R"({})"), refusal);
+    EXPECT_EQ(engine.Answer(R"({"module":"pump1"})"), refusal);
+}
+
+TEST(SimEngine, RefusesACommandThatIsNoName)
+{
+    const char* const refusal =
+        R"({"description":"\"command\" is not the name of a command","resultCode":1})";
+    TestEngine engine;
+
     EXPECT_EQ(engine.Answer(R"({"command":""})"), refusal);
     EXPECT_EQ(engine.Answer(R"({"command":null})"), refusal);
     EXPECT_EQ(engine.Answer(R"({"command":7})"), refusal);

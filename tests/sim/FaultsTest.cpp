@@ -107,6 +107,22 @@ TEST_F(SimFault, HugeNeedsNoModulesOfTheEngine)
         << "ends with " << text.substr(text.size() - 1000);
 }
 
+TEST_F(SimFault, HugeTellsOfNoMonitoringWhereTheOtherModulesDoNot)
+{
+    Poco::JSON::Array::Ptr modules = new Poco::JSON::Array;
+    Poco::JSON::Object module;
+    module.set("name", "m1");
+    modules->add(module);
+    Poco::JSON::Object reply;
+    reply.set("modules", modules);
+
+    const std::string text = sim::FindFault("huge").write(reply);
+
+    EXPECT_EQ(text.find("monitored"), std::string::npos);
+    EXPECT_EQ(text.substr(0, 64),
+              R"({"modules":[{"name":"huge","state":"running","version":"1.0.0"},)");
+}
+
 TEST_F(SimFault, HugeLeavesOtherCommandsAlone)
 {
     EXPECT_EQ(TextOf("huge", "update-status"), plainText);

@@ -120,7 +120,9 @@ TEST(SimState, ThatIsNotJsonIsRefused)
 
 TEST(SimState, ThatIsNotAnObjectIsRefused)
 {
-    EXPECT_EQ(ErrorOfReading("[]"), Error(dataError, "my.json: not a JSON object"));
+    for (const char* const root : {"[]", " [", "null", "3", "\"x\"", "true", "hello"}) {
+        EXPECT_EQ(ErrorOfReading(root), Error(dataError, "my.json: not a JSON object")) << root;
+    }
 }
 
 TEST(SimState, NamesTheMemberThatIsMissing)

@@ -129,7 +129,7 @@ TEST_F(SimulatorCommands, RestartShowsInTheStatusAndThePid)
     EXPECT_EQ(Tool("--restart scale"), Done("scale was restarted"));
 
     EXPECT_EQ(Tool("--pid pump1"), Done("1007"));
-    EXPECT_EQ(Tool("--status scale"), Done("scale is running"));
+    EXPECT_EQ(Tool("--status scale"), Done("scale is running, not monitored"));
 }
 
 TEST_F(SimulatorCommands, ReconfigureShowsInTheStatusUntilItIsOver)
@@ -144,11 +144,15 @@ TEST_F(SimulatorCommands, ReconfigureShowsInTheStatusUntilItIsOver)
     EXPECT_EQ(Tool("--pid pump1"), Done("1004"));
 }
 
-TEST_F(SimulatorCommands, MonitorShowsInTheList)
+TEST_F(SimulatorCommands, MonitorShowsInTheStatusAndTheList)
 {
     SwitchDebugModeOn();
 
+    EXPECT_EQ(Tool("--status heater"), Done("heater is starting"));
+
     EXPECT_EQ(Tool("--monitor heater"), Done("The heartbeat of heater is no longer monitored"));
+
+    EXPECT_EQ(Tool("--status heater"), Done("heater is starting, not monitored"));
 
     EXPECT_EQ(RowOf("heater"),
               "heater                   starting       no             2.3.11         ");

@@ -5,6 +5,12 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
 namespace {
 
 const char* const list = R"({"command":"list"})";
@@ -65,6 +71,33 @@ TEST_P(SimulatorEnd, DoesNotWaitForAClientThatDoesNotRead)
 TEST_P(SimulatorEnd, CutsASlowReplyShort)
 {
     EXPECT_EQ(AnswerAtTheEnd("slow", GetParam()).bytes.find(R"("services")"), std::string::npos);
+}
+
+// Before it listens, a signal ends it like any other program.
+TEST_P(SimulatorEnd, DoesNotWaitForItsState)
+{
+    std::string folder = std::filesystem::temp_directory_path() / "quorlan-test-XXXXXX";
+    Require(mkdtemp(folder.data()) != nullptr, folder);
+    const std::string fifo = folder + "/state";
+    Require(mkfifo(fifo.c_str(), 0600) == 0, fifo);
+    Stream out = MakePipe();
+    Stream err = MakePipe();
+    const pid_t process = Spawn({VANTREL_SIM, "--state=" + fifo}, out, err);
+    const Descriptor writer(open(fifo.c_str(), O_WRONLY | O_CLOEXEC)); // once it is being read
+
+    kill(process, GetParam());
+
+    Outcome outcome;
+    Finish(process, out, err, outcome);
+    EXPECT_EQ(outcome, (Outcome{-GetParam(), "", ""}));
+    std::filesystem::remove_all(folder);
+}
+
+TEST(SimulatorStart, WithoutAWorkingDirectoryIsOneLine)
+{
+    EXPECT_EQ(
+        ::Run({"sh", "-c", "cd \"$(mktemp -d)\" && rmdir \"$PWD\" && exec \"$0\"", VANTREL_SIM}),
+        Refused(64, "System exception: cannot get current directory"));
 }
 
 INSTANTIATE_TEST_SUITE_P(By, SimulatorEnd, testing::Values(SIGINT, SIGTERM), NameOfSignal);

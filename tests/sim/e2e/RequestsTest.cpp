@@ -119,7 +119,9 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"EmptyObject", "{}", Refusal(1, R"(The request has no \"command\")")},
         Case{"NoCommand", R"({"module":"pump1"})", Refusal(1, R"(The request has no \"command\")")},
         Case{"CommandThatIsANumber", R"({"command":7})",
-             Refusal(1, R"(The request has no \"command\")")},
+             Refusal(1, R"(\"command\" is not the name of a command)")},
+        Case{"ByteThatIsNoCharacter", "{\"command\":\xfe}",
+             Refusal(1, "The request is not valid JSON: unexpected byte '?' in value")},
         Case{"UnknownCommand", R"({"command":"dance"})",
              Refusal(2, R"(Unknown command \"dance\")")},
         Case{"ByteTooLong", RequestOfSize(limit + 1),
@@ -157,6 +159,18 @@ TEST(SimulatorRequest, ThatDoesNotArriveWithinFiveSecondsIsRefusedAndTheSimulato
     EXPECT_EQ(mute.Receive(), refusal);
     EXPECT_EQ(stuck.Receive(), refusal);
     EXPECT_EQ(Ask(goodRequest), goodAnswer);
+}
+
+TEST(SimulatorRequest, ThatIsCompleteAfterFourSecondsIsAnswered)
+{
+    const Simulator simulator;
+    Client late;
+
+    late.Send(goodRequest.substr(0, 5));
+    EXPECT_FALSE(late.HearsWithin(milliseconds(4000)));
+    late.Send(goodRequest.substr(5));
+
+    EXPECT_EQ(late.Receive(), goodAnswer);
 }
 
 TEST(SimulatorRequest, OfAClientThatLeavesDoesNotDisturbTheSimulator)

@@ -81,6 +81,23 @@ TEST(SimulatorState, FromADirectoryIsRefused)
     EXPECT_EQ(StartWith("/"), Refused(66, "/: cannot be read: Is a directory"));
 }
 
+TEST(SimulatorState, FromAFileThatDoesNotEndIsRefused)
+{
+    EXPECT_EQ(StartWith("/dev/zero"), Refused(65, "/dev/zero: longer than 1 MiB"));
+}
+
+TEST(SimulatorState, ThatIsReconfiguringStaysSo)
+{
+    const TemporaryFile file(R"({
+        "engine": {"state": "running", "version": "1", "safeModeEnabled": false,
+                   "debugModeEnabled": true},
+        "services": [],
+        "modules": [{"name": "m1", "state": "reconfiguring", "version": "1"}]})");
+    const Simulator simulator({"--state=" + file.Path()});
+
+    EXPECT_EQ(RunTool({"--status=m1"}), (Outcome{0, "m1 is reconfiguring\n", ""}));
+}
+
 TEST(SimulatorState, FromAFileWithoutANameIsRefused)
 {
     EXPECT_EQ(StartWith(""), Refused(66, ": cannot be read: No such file or directory"));
@@ -98,9 +115,10 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         BadState{"Empty", "", "not valid JSON: unexpected end of text"},
         BadState{"CutOff", R"({"engine": )", "not valid JSON: unexpected end of text"},
-        BadState{"Array", "[]", "not a JSON object"},
+        BadState{"Array", "[]", "not a JSON object"}, BadState{"Null", "null", "not a JSON object"},
         BadState{"MissingMember", R"({"services": [], "modules": []})", "\"engine\" is missing"},
         BadState{"UnknownMember", R"({"engines": {}})", "\"engines\" is not known here"},
+        BadState{"UnknownMemberOfTwoLines", R"({"a\nb": {}})", "\"a?b\" is not known here"},
         BadState{"WrongTypeOfEngine", R"({"engine": 7})", "engine: not a JSON object"},
         BadState{"WrongTypeOfText", R"({"engine": {"state": true}})",
                  "engine: \"state\" is not a string with at least one character"},
