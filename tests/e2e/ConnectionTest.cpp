@@ -46,6 +46,22 @@ TEST(Connection, ThatNobodyAnswersIsReportedAsNoResponseInTime)
     EXPECT_EQ(RunTool({"--update"}), (Outcome{69, noAnswer, ""}));
 }
 
+TEST(Connection, ThatNobodyAnswersEndsAListToo)
+{
+    const FullListener listener;
+    ShortenConnectTimeout();
+
+    EXPECT_EQ(RunTool({"--list"}), (Outcome{69, noAnswer, ""}));
+}
+
+TEST(Connection, ThatNobodyAnswersEndsAGatedCommandAtItsGate)
+{
+    const FullListener listener;
+    ShortenConnectTimeout();
+
+    EXPECT_EQ(RunTool(Words("--start abc")), (Outcome{76, noAnswer + debugModeIsOff, emptyReply}));
+}
+
 TEST(Connection, CarriesOneCompactObjectAndNothingBehindIt)
 {
     ScriptedEngine engine{R"({"description":"ok","resultCode":0})"};

@@ -156,6 +156,56 @@ TEST(Styles, StayOnForEveryReportBehindTheOption)
     EXPECT_EQ(styled, "ok\n" + RunTool(Words("--colors --list"), Terminal::Output).out);
 }
 
+TEST(Styles, AreNotBegunForAValueThatCannotBeRead)
+{
+    const std::string title = "\033[1mVantrel status\033[00m\n------------------------------\n";
+    const std::string heading =
+        "\033[1mSERVICE NAME             \033[00m\033[1mSTATE          \033[00m";
+    const std::string watchedHeading =
+        heading + "\033[1mHEARTBEAT      \033[00m\033[1mVERSION        \033[00m\n"
+                  "----------------------------------------------------------------------\n";
+    const auto ends = [](const std::string& out) {
+        return Outcome{76, out, missingValue};
+    };
+    const auto show = [](const char* reply, const char* command) {
+        return Show(reply, std::string("--colors ") + command, Terminal::Output);
+    };
+
+    EXPECT_EQ(show(R"({"debugModeEnabled":true})", "--engine-status"),
+              ends(title + "Safe mode:     "));
+    EXPECT_EQ(show(R"({"safeModeEnabled":true})", "--engine-status"),
+              ends(title + "Safe mode:     \033[31menabled        \033[00m\nDebug mode:    "));
+    EXPECT_EQ(show(R"({"safeModeEnabled":true,"debugModeEnabled":true})", "--engine-status"),
+              ends(title + "Safe mode:     \033[31menabled        \033[00m\n"
+                           "Debug mode:    \033[33menabled        \033[00m\nState:         "));
+    EXPECT_EQ(show(R"({"resultCode":0,"services":[{"name":"log"}]})", "--list"),
+              ends(heading + "\033[1mVERSION        \033[00m\n"
+                             "-------------------------------------------------------\n"
+                             "log                      "));
+    EXPECT_EQ(show(R"({"resultCode":0,"services":[
+                       {"name":"log","state":"running","monitored":true,"version":"1"},
+                       {"name":"web","state":"running"}]})",
+                   "--list"),
+              ends(watchedHeading +
+                   "log                      \033[32mrunning        \033[00m\033[32myes            "
+                   "\033[00m1              \n"
+                   "web                      \033[32mrunning        \033[00m"));
+}
+
+TEST(Styles, LeaveTheSentenceOfAnEmptyTableAlone)
+{
+    const std::string headings = "\033[1mSTATE          \033[00m\033[1mVERSION        \033[00m\n"
+                                 "-------------------------------------------------------\n"
+                                 "None are loaded!\n\n";
+
+    EXPECT_EQ(
+        Show(R"({"resultCode":0,"services":[],"modules":[]})", "--colors --list", Terminal::Output),
+        (Outcome{0,
+                 "\033[1mSERVICE NAME             \033[00m" + headings +
+                     "\033[1mMODULE NAME              \033[00m" + headings,
+                 ""}));
+}
+
 TEST(Styles, AreNotUsedForFailures)
 {
     const Outcome refused = RunTool(Words("--colors --start abc"), Terminal::Both);

@@ -38,7 +38,8 @@ void RequireSame(const char* title, const Outcome& actual, const Outcome& expect
     std::abort();
 }
 
-// Takes the style sequences out of text; each style must be followed by a reset before the next.
+// Takes the style sequences out of text; each style must be followed by a reset before the next and
+// before the end.
 std::string WithoutStyles(const std::string& text, bool& paired)
 {
     const std::string reset = "\033[00m";
@@ -59,6 +60,7 @@ std::string WithoutStyles(const std::string& text, bool& paired)
         open = !closes;
         at += closes ? reset.size() : length != 0 ? length : 1;
     }
+    paired = paired && !open;
     return plain;
 }
 
@@ -112,7 +114,6 @@ void ExpectRun(const Words& words, const Replies& replies, const Outcome& expect
     if (expected.out.find('\033') == std::string::npos) {
         bool paired = true;
         styled.out = WithoutStyles(styled.out, paired);
-        // A report that ends early may end inside a styled piece, but only then.
         RequireSame("run on a terminal, without its styles", styled, expected);
         Require(paired, "every style is closed by its own reset", styled);
     }

@@ -37,6 +37,8 @@ TEST(Styles, LookAtTheStreamTheyAreAppliedTo)
     const Descriptor error(dup(STDERR_FILENO));
     useColors = true;
 
+    dup2(inTerminal.Get(), STDOUT_FILENO);
+    const bool onOutputBefore = IsStylingActive(std::cout);
     dup2(null.Get(), STDOUT_FILENO);
     dup2(inTerminal.Get(), STDERR_FILENO);
     const bool onOutput = IsStylingActive(std::cout);
@@ -46,7 +48,8 @@ TEST(Styles, LookAtTheStreamTheyAreAppliedTo)
     dup2(output.Get(), STDOUT_FILENO);
     dup2(error.Get(), STDERR_FILENO);
 
-    EXPECT_FALSE(onOutput);
+    EXPECT_TRUE(onOutputBefore);
+    EXPECT_FALSE(onOutput) << "each use looks anew";
     EXPECT_TRUE(onError);
     EXPECT_TRUE(onLog);
     EXPECT_FALSE(onAnother);
