@@ -140,6 +140,19 @@ class Documents(unittest.TestCase):
                 with self.subTest(f"{document.relative_to(support.SOURCE)}: {name}"):
                     self.assertTrue((support.SOURCE / name).exists())
 
+    def test_the_text_in_the_packages_names_what_they_hold(self):
+        text = (support.SOURCE / "docs/packages/README.md").read_text()
+        self.assertNotIn("](", text)  # a link would lead out of the package
+        named = re.findall(r"^\| `([^`]+)`", text, re.M)
+        self.assertEqual(5, len(named))
+        for name in named:
+            with self.subTest(name):
+                self.assertTrue((support.INSTALLED / name).exists())
+        for name in (support.SOURCE / "debian/docs").read_text().split():
+            with self.subTest(name):
+                self.assertTrue((support.SOURCE / name).exists())
+                self.assertIn(name, (support.SOURCE / "scripts/package").read_text())
+
     def test_the_architecture_page_names_what_the_code_has(self):
         code = "\n".join(path.read_text() for folder in ["app", "engine", "commands", "term", "sim"]
                          for path in sorted((support.SOURCE / folder).glob("*.*")))

@@ -36,6 +36,11 @@ def ask(request):
 
 def requests_of_the_tool(*arguments):
     """The requests, as sent, of a run beside an engine that says yes to everything."""
+    return run_beside({"debugModeEnabled": True, "resultCode": 0}, *arguments)[0]
+
+
+def run_beside(reply, *arguments):
+    """The requests, as sent, and the end of a run beside an engine that always says the same."""
     with socket.create_server(ADDRESS) as listener:
         requests = []
 
@@ -46,14 +51,14 @@ def requests_of_the_tool(*arguments):
                     if not request:
                         return
                     requests.append(request)
-                    connection.sendall(b'{"debugModeEnabled":true,"resultCode":0}')
+                    connection.sendall(json.dumps(reply).encode())
 
         server = threading.Thread(target=serve)
         server.start()
-        support.run([support.QUORLAN, *arguments])
+        ended = support.run([support.QUORLAN, *arguments])
         socket.create_connection(ADDRESS).close()
         server.join(support.PATIENCE)
-        return requests
+        return requests, ended
 
 
 class Protocol(unittest.TestCase):
@@ -110,6 +115,20 @@ class Protocol(unittest.TestCase):
         with support.Engine("--fault=error-code"):
             validator("list-reply").validate(ask('{"command":"list"}'))
 
+    def test_a_refused_engine_status_ends_with_its_code_if_it_fits_its_schema(self):
+        refusal = {"resultCode": 6, "description": "Not now"}
+        status = {"safeModeEnabled": False, "debugModeEnabled": True, "state": "running",
+                  "version": "1"}
+        for reply, expected in [(refusal, 76), ({**refusal, **status}, 6)]:
+            with self.subTest(reply):
+                self.assertEqual(expected == 6, validator("engine-status-reply").is_valid(reply))
+                ended = run_beside(reply, "--engine-status")[1]
+                self.assertEqual(expected, ended.returncode)
+                self.assertNotIn("Not now", ended.stdout + ended.stderr)
+                # The gate has no look at the code.
+                gated = [json.loads(r)["command"] for r in run_beside(reply, "--start=valve")[0]]
+                self.assertEqual(["engine-status", "start"][:1 + (expected == 6)], gated)
+
     def test_the_schemas_refuse_what_the_guide_rules_out(self):
         entry = {"name": "a", "state": "running", "version": "1"}
         status = {"resultCode": 0, "safeModeEnabled": False, "debugModeEnabled": True,
@@ -142,7 +161,7 @@ class Protocol(unittest.TestCase):
         self.assertGreater(len(rows), 7)
         for fault, plain, gated in rows:
             with self.subTest(fault), support.Engine(f"--fault={fault.strip('`')}"):
-                if plain == "the code":
+                if plain.startswith("the code"):
                     plain = str(ask('{"command":"list"}')["resultCode"])
                 expected = [int(re.match(r"\d+", status).group()) for status in (plain, gated)]
                 runs = [subprocess.Popen([support.QUORLAN, option], stdout=subprocess.DEVNULL,

@@ -1,5 +1,7 @@
 """Runs every recipe of docs/scripting.md, with the engine well and with the fault it is for."""
 
+import fcntl
+import json
 import os
 import pathlib
 import re
@@ -55,7 +57,8 @@ class RecipeTest(unittest.TestCase):
         self.programs = self.folder / "bin"
         self.programs.mkdir()
         for name, text in RECIPES.items():
-            self.put(name, text)
+            # The lock of this test's own engine, not of the machine's.
+            self.put(name, text.replace("/run/lock/", f"{self.folder}/"))
         (self.programs / "quorlan").symlink_to(support.QUORLAN)
         self.environment = {"PATH": f"{self.programs}:/usr/bin:/bin", "LC_ALL": "C.UTF-8",
                             "HOME": str(self.folder)}
@@ -115,6 +118,7 @@ class OneDevice(RecipeTest):
             self.assertIn("cannot be started", self.assert_ends(4, "start-module", "heater"))
             self.assertEqual("disabled", self.debug_mode())
             self.assert_ends(1, "start-module", "unknown")
+            self.assertIn("usage", self.assert_ends(78, "start-module"))
         self.assert_ends(69, "start-module", "valve")
 
     def test_start_module_leaves_debug_mode_on(self):
@@ -126,7 +130,47 @@ class OneDevice(RecipeTest):
     def test_start_module_notices_a_start_that_was_refused_with_0(self):
         self.put_before_quorlan(f"case $1 in --start=*) {support.QUORLAN} --debug=false;; esac")
         with support.Engine():
-            self.assertIn("valve is stopped", self.assert_ends(1, "start-module", "valve"))
+            self.assertIn("valve is stopped", self.assert_ends(2, "start-module", "valve"))
+
+    def test_start_module_takes_turns_with_others(self):
+        modules = [{"name": f"m{i}", "state": "stopped", "version": "1"} for i in range(4)]
+        engine = {"state": "running", "version": "1", "build": "sim", "safeModeEnabled": False,
+                  "debugModeEnabled": False}
+        state = self.folder / "state.json"
+        state.write_text(json.dumps({"engine": engine, "services": [], "modules": modules}))
+        # Time enough for another to switch debug mode off or to start the same module.
+        self.put_before_quorlan("case $1 in --start=*) sleep 0.2 ;; esac")
+        names = ["m0", "m1", "m2", "m3", "m0", "m1"]
+        with support.Engine(f"--state={state}"):
+            runs = [self.spawn("start-module", name) for name in names]
+            for name, run in zip(names, runs):
+                output, _ = run.communicate(timeout=support.PATIENCE)
+                self.assertEqual(0, run.returncode, f"{name}: {output}")
+            self.assertEqual(["running"] * 4, [self.state(m["name"]) for m in modules])
+            self.assertEqual("disabled", self.debug_mode())
+
+    def test_start_module_gives_up_a_lock_that_is_not_to_be_had(self):
+        recipe = (self.programs / "start-module").read_text()
+        lock = self.folder / "quorlan-debug-mode"
+        self.assertIn(f"lock={lock}\n", recipe)
+        self.assertIn("timeout 60 flock", recipe)
+        self.put("start-module", recipe.replace("timeout 60 flock", "timeout 1 flock"))
+        with support.Engine(), lock.open("w") as held:
+            fcntl.flock(held, fcntl.LOCK_EX)
+            self.assertIn("others kept", self.assert_ends(75, "start-module", "valve"))
+            self.assert_ends(0, "start-module", "pump1")  # runs already: no need for the lock
+            self.assertEqual("stopped", self.state("valve"))
+            self.put("start-module", recipe.replace(str(lock), "/nowhere/lock"))
+            self.assertIn("/nowhere/lock", self.assert_ends(75, "start-module", "valve"))
+
+    def test_start_module_switches_debug_mode_off_when_interrupted(self):
+        # quorlan's parent is timeout, and that one's is the script.
+        self.put_before_quorlan("case $1 in --start=*) "
+                                "kill -TERM $(cut -d ' ' -f 4 /proc/$PPID/stat) ;; esac")
+        with support.Engine():
+            self.assert_ends(143, "start-module", "valve")
+            self.assertEqual("disabled", self.debug_mode())
+            self.assertEqual("running", self.state("valve"))  # it was sent before the end
 
     def test_restart_stopped(self):
         with support.Engine():
@@ -148,6 +192,7 @@ class OneDevice(RecipeTest):
         (self.folder / name).write_text(unit)
         self.assertEqual("", self.assert_ends(0, "systemd-analyze", "verify", "--man=no",
                                               str(self.folder / name)))
+        self.assertIn("\nRestartPreventExitStatus=1 78\n", unit)
         start = re.search(r"^ExecStart=(.*)$", unit, re.M).group(1).replace("%i", "valve")
         with support.Engine():
             self.assert_ends(0, *start.split())
@@ -245,6 +290,18 @@ class ManyDevices(RecipeTest):
             self.assertEqual({"good": "0", "idle": "69", "gone": "255"}, self.results(".status"))
             self.assertIn("pump1", (self.folder / "results/good.out").read_text())
             self.assertEqual((0, ""), self.on_devices("good\n"))
+
+    def test_many_devices_whose_list_has_an_empty_line_and_a_last_one_without_an_end(self):
+        with support.Engine():
+            status, output = self.on_devices("\ngood\n\n  \nidle")
+            self.assertEqual((1, "results/idle.status:69\n"), (status, output))
+        self.assertEqual({"good": "0", "idle": "69"}, self.results(".status"))
+
+    def test_many_devices_that_are_none(self):
+        for devices in ["", "\n"]:
+            self.assertEqual((2, "on-devices: no device is named on standard input\n"),
+                             self.on_devices(devices))
+        self.assertEqual({}, self.results(".status"))
 
     def on_devices(self, devices):
         ended = subprocess.run(["on-devices", "--list"], env=self.environment, cwd=self.folder,
