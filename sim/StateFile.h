@@ -11,8 +11,8 @@ namespace sim {
 /// of the wrong type or unknown.
 State ReadState(const std::string& json, const std::string& origin);
 
-/// Reads a state from a file. Throws like ReadState, and StartError with EXIT_NOINPUT for a file
-/// that cannot be read.
+/// Reads a state from a file. Throws like ReadState, also for a file of more than 1 MiB, and
+/// StartError with EXIT_NOINPUT for one that cannot be read.
 State LoadState(const std::string& path);
 
 /// The set that the simulator shows when it is given no file.
