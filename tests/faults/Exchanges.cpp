@@ -8,21 +8,22 @@
 
 namespace {
 
-// Short, all of them: a test tries each reply cut off after each of its bytes.
 const char* const list =
-    R"({"resultCode":0,"services":[{"name":"a","state":"b","version":"c"}],"modules":[]})";
-const char* const listReport = "SERVICE NAME             STATE          VERSION        \n"
-                               "-------------------------------------------------------\n"
-                               "a                        b              c              \n"
-                               "\n"
-                               "MODULE NAME              STATE          VERSION        \n"
-                               "-------------------------------------------------------\n"
-                               "None are loaded!\n"
-                               "\n";
+    R"({"resultCode":0,"services":[{"name":"log","state":"running","version":"1"}],)"
+    R"("modules":[{"name":"pump","state":"stopped","monitored":true,"version":"2"}]})";
+const char* const listReport =
+    "SERVICE NAME             STATE          VERSION        \n"
+    "-------------------------------------------------------\n"
+    "log                      running        1              \n"
+    "\n"
+    "MODULE NAME              STATE          HEARTBEAT      VERSION        \n"
+    "----------------------------------------------------------------------\n"
+    "pump                     stopped        yes            2              \n"
+    "\n";
 
 const char* const sentence = R"({"description":"done","resultCode":0})";
 
-// All that the query needs.
+// All that the query needs: a test tries the reply cut off after each of its bytes.
 const char* const inDebugMode = R"({"debugModeEnabled":true})";
 
 /// "update-status" as a part of a test's name.

@@ -2,11 +2,9 @@
 
 #include "tests/sim/e2e/Client.h"
 #include "tests/sim/e2e/Simulator.h"
+#include "tests/sim/e2e/TemporaryFile.h"
 
 #include <gtest/gtest.h>
-
-#include <cstdlib>
-#include <filesystem>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -76,21 +74,19 @@ TEST_P(SimulatorEnd, CutsASlowReplyShort)
 // Before it listens, a signal ends it like any other program.
 TEST_P(SimulatorEnd, DoesNotWaitForItsState)
 {
-    std::string folder = std::filesystem::temp_directory_path() / "quorlan-test-XXXXXX";
-    Require(mkdtemp(folder.data()) != nullptr, folder);
-    const std::string fifo = folder + "/state";
-    Require(mkfifo(fifo.c_str(), 0600) == 0, fifo);
+    const TemporaryFile file("");
+    Require(unlink(file.Path().c_str()) == 0 && mkfifo(file.Path().c_str(), 0600) == 0, "fifo");
     Stream out = MakePipe();
     Stream err = MakePipe();
-    const pid_t process = Spawn({VANTREL_SIM, "--state=" + fifo}, out, err);
-    const Descriptor writer(open(fifo.c_str(), O_WRONLY | O_CLOEXEC)); // once it is being read
+    const pid_t process = Spawn({VANTREL_SIM, "--state=" + file.Path()}, out, err);
+    const Descriptor writer(
+        open(file.Path().c_str(), O_WRONLY | O_CLOEXEC)); // once it is being read
 
     kill(process, GetParam());
 
     Outcome outcome;
     Finish(process, out, err, outcome);
     EXPECT_EQ(outcome, (Outcome{-GetParam(), "", ""}));
-    std::filesystem::remove_all(folder);
 }
 
 TEST(SimulatorStart, WithoutAWorkingDirectoryIsOneLine)
