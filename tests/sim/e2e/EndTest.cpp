@@ -79,10 +79,10 @@ TEST_P(SimulatorEnd, DoesNotWaitForItsState)
     Stream out = MakePipe();
     Stream err = MakePipe();
     const pid_t process = Spawn({VANTREL_SIM, "--state=" + file.Path()}, out, err);
-    const Descriptor writer(
-        open(file.Path().c_str(), O_WRONLY | O_CLOEXEC)); // once it is being read
+    Descriptor writer(open(file.Path().c_str(), O_WRONLY | O_CLOEXEC)); // waits for the reader
 
     kill(process, GetParam());
+    writer.Close(); // the end of the state, for one that did not mind the signal
 
     Outcome outcome;
     Finish(process, out, err, outcome);
