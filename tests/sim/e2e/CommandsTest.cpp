@@ -1,6 +1,6 @@
 // What the tool shows of the simulator, command by command.
 
-#include "tests/e2e/Texts.h"
+#include "tests/tool/Texts.h"
 #include "tests/sim/e2e/Simulator.h"
 #include "tests/sim/e2e/TemporaryFile.h"
 #include "tests/support/Tool.h"

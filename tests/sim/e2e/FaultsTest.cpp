@@ -1,6 +1,6 @@
 // Each fault, as the tool shows it and as it is on the wire.
 
-#include "tests/e2e/Texts.h"
+#include "tests/tool/Texts.h"
 #include "tests/sim/Repeated.h"
 #include "tests/sim/e2e/Client.h"
 #include "tests/sim/e2e/Simulator.h"

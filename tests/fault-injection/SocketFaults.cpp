@@ -1,0 +1,152 @@
+// A library to preload into a program: chosen calls that the program and its libraries make to
+// the C library fail as the system may make them fail, or move fewer bytes than asked.
+//
+// Environment, read at each call:
+//   FAULT_CALL   the call: socket, connect, setsockopt, getsockopt, fcntl, ioctl, send, recv, poll,
+//                shutdown or close
+//   FAULT_NTH    the first one that fails, from 1; none if it is not given
+//   FAULT_TIMES  how many fail in a row; 1 if it is not given
+//   FAULT_ERRNO  the error number that they fail with
+//   FAULT_LIMIT  the most bytes that one send or recv moves
+//   FAULT_MARK   a file that is made when a call fails, so that a test that goes from the first
+//                call to the last knows when there are no more
+//   FAULT_LOG    a file that is told of each receive time-out, in microseconds, and each change of
+//                a descriptor's flags, a line each
+//
+// Calls that the C library makes by itself, such as the writes behind a standard stream, don't pass
+// here.
+
+#include "tests/fault-injection/FaultInjector.h"
+
+#include <algorithm>
+#include <cstdarg>
+#include <cstdlib>
+#include <fstream>
+#include <string>
+
+#include <dlfcn.h>
+#include <poll.h>
+#include <sys/ioctl.h>
+#include <sys/socket.h>
+#include <sys/time.h>
+
+using fault::Fails;
+
+namespace {
+
+std::size_t Limited(const char* call, std::size_t size)
+{
+    const auto limit = static_cast<std::size_t>(fault::Number("FAULT_LIMIT", 0));
+    return fault::IsChosen(call) && limit != 0 ? std::min(size, limit) : size;
+}
+
+// The function that a call would have reached without this library.
+template <typename Function>
+Function* Next(Function& /*call*/, const char* name)
+{
+    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+}
+
+void Log(const std::string& line)
+{
+    if (const char* const path = std::getenv("FAULT_LOG")) {
+        std::ofstream(path, std::ios::app) << line << "\n";
+    }
+}
+
+void LogFcntl(int command)
+{
+    if (command == F_SETFL) {
+        Log("flags");
+    }
+}
+
+} // namespace
+
+extern "C" {
+
+int socket(int domain, int type, int protocol) noexcept
+{
+    return Fails("socket") ? -1 : Next(socket, "socket")(domain, type, protocol);
+}
+
+int connect(int descriptor, const sockaddr* address, socklen_t length)
+{
+    return Fails("connect") ? -1 : Next(connect, "connect")(descriptor, address, length);
+}
+
+int setsockopt(int descriptor, int level, int name, const void* value, socklen_t length) noexcept
+{
+    if (level == SOL_SOCKET && name == SO_RCVTIMEO) {
+        const auto& wait = *static_cast<const timeval*>(value);
+        Log("wait " + std::to_string(wait.tv_sec * 1000000 + wait.tv_usec));
+    }
+    return Fails("setsockopt")
+               ? -1
+               : Next(setsockopt, "setsockopt")(descriptor, level, name, value, length);
+}
+
+int getsockopt(int descriptor, int level, int name, void* value, socklen_t* length) noexcept
+{
+    return Fails("getsockopt")
+               ? -1
+               : Next(getsockopt, "getsockopt")(descriptor, level, name, value, length);
+}
+
+ssize_t send(int descriptor, const void* data, std::size_t size, int flags)
+{
+    return Fails("send") ? -1 : Next(send, "send")(descriptor, data, Limited("send", size), flags);
+}
+
+ssize_t recv(int descriptor, void* data, std::size_t size, int flags)
+{
+    return Fails("recv") ? -1 : Next(recv, "recv")(descriptor, data, Limited("recv", size), flags);
+}
+
+int poll(pollfd* descriptors, nfds_t count, int milliseconds)
+{
+    return Fails("poll") ? -1 : Next(poll, "poll")(descriptors, count, milliseconds);
+}
+
+int shutdown(int descriptor, int how) noexcept
+{
+    return Fails("shutdown") ? -1 : Next(shutdown, "shutdown")(descriptor, how);
+}
+
+// Linux closes the descriptor whatever it reports.
+int close(int descriptor)
+{
+    const int result = Next(close, "close")(descriptor);
+    return Fails("close") ? -1 : result;
+}
+
+int ioctl(int descriptor, unsigned long request, ...) noexcept
+{
+    va_list rest;
+    va_start(rest, request);
+    void* const argument = va_arg(rest, void*);
+    va_end(rest);
+    return Fails("ioctl") ? -1 : Next(ioctl, "ioctl")(descriptor, request, argument);
+}
+
+int fcntl(int descriptor, int command, ...)
+{
+    va_list rest;
+    va_start(rest, command);
+    void* const argument = va_arg(rest, void*);
+    va_end(rest);
+    LogFcntl(command);
+    return Fails("fcntl") ? -1 : Next(fcntl, "fcntl")(descriptor, command, argument);
+}
+
+int fcntl64(int descriptor, int command, ...)
+{
+    va_list rest;
+    va_start(rest, command);
+    void* const argument = va_arg(rest, void*);
+    va_end(rest);
+    LogFcntl(command);
+    return Fails("fcntl") ? -1 : Next(fcntl64, "fcntl64")(descriptor, command, argument);
+}
+
+} // extern "C"

@@ -1,0 +1,213 @@
+// Every exchange of every command, with an engine that misbehaves in every way we know of.
+//
+// A row of the table says what the engine does in place of its reply and what the tool makes of it:
+// nothing is wrong (good), or the reply cannot be read for the reason given, in POCO's words.
+
+#include "tests/support/ScriptedEngine.h"
+#include "tests/support/Tool.h"
+#include "tests/tool/Exchanges.h"
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <functional>
+#include <iterator>
+#include <tuple>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr const char* good = nullptr;
+constexpr const char* endOfText = "JSON Exception: unexpected end of text";
+constexpr const char* tooDeep = "JSON Exception: Maximum depth exceeded";
+constexpr const char* noObject = "JSON Exception: Attempt to set value on an empty stack";
+
+struct Fault
+{
+    const char* name;
+    std::function<Script(const std::string& reply)> engine;
+    const char* reason;
+};
+
+void PrintTo(const Fault* fault, std::ostream* stream)
+{
+    *stream << fault->name;
+}
+
+/// The reply, or what is left of it, behind the request.
+Script Answer(std::string bytes)
+{
+    Script script; // returned without a copy of the bytes, of which there may be many
+    script.AwaitRequest().Send(std::move(bytes));
+    return script;
+}
+
+std::string Half(const std::string& reply)
+{
+    return reply.substr(0, reply.size() / 2);
+}
+
+std::string PaddedTo(std::size_t size, std::string reply)
+{
+    reply.resize(size, ' ');
+    return reply;
+}
+
+std::string AtTheEndOf(std::size_t size, const std::string& reply)
+{
+    std::string bytes(size, ' ');
+    reply.copy(&bytes[size - reply.size()], reply.size());
+    return bytes;
+}
+
+/// Nested arrays in a member that nobody reads; the root object is one level too.
+std::string Nested(std::size_t levels, const std::string& reply)
+{
+    return WithMember(reply,
+                      "\"x\":" + std::string(levels - 1, '[') + std::string(levels - 1, ']'));
+}
+
+std::string WithEntries(std::size_t count, const std::string& reply)
+{
+    std::string entries;
+    for (std::size_t i = 0; i < count; ++i) {
+        entries += R"({"name":"n","state":"s","version":"v"},)";
+    }
+    entries.back() = ' ';
+    return WithMember(reply, "\"x\":[" + entries + "]");
+}
+
+// clang-format off
+const Fault faultTable[] = {
+    // The connection ends early.
+    {"ClosedUnread",         [](auto&)   { return Script().CloseWithoutReading(); }, endOfText},
+    {"ClosedWithoutReply",   [](auto&)   { return Answer(""); }, endOfText},
+    {"ClosedInReply",        [](auto& r) { return Answer(r.substr(0, r.find(':') + 1)); }, endOfText},
+    {"ResetUnread",          [](auto&)   { return Script().Reset(); }, endOfText},
+    {"ResetBeforeReply",     [](auto&)   { return Script().AwaitRequest().Reset(); }, endOfText},
+    {"ResetInReply",         [](auto& r) { return Answer(Half(r)).Reset(); }, endOfText},
+    {"ResetAfterReply",      [](auto& r) { return Answer(r).Reset(); }, endOfText},
+    {"ResetAfterWholeBlock", [](auto& r) { return Answer(PaddedTo(8192, r)).Reset(); }, good},
+
+    // The connection does not end.
+    {"Silent",               [](auto&)   { return Answer("").AwaitClientClose(); }, endOfText},
+    {"SilentInReply",        [](auto& r) { return Answer(Half(r)).AwaitClientClose(); }, endOfText},
+    {"SilentAfterReply",     [](auto& r) { return Answer(r).AwaitClientClose(); }, endOfText},
+    {"SilentAfterWholeBlock",
+                             [](auto& r) { return Answer(PaddedTo(8192, r)).AwaitClientClose(); },
+                             good},
+    {"SilentAfterThreeBlocks",
+                             [](auto& r) { return Answer(PaddedTo(24576, r)).AwaitClientClose(); },
+                             good},
+    {"SilentJustBeforeBlock",
+                             [](auto& r) { return Answer(PaddedTo(8191, r)).AwaitClientClose(); },
+                             endOfText},
+    {"SilentInSecondBlock",  [](auto& r) { return Answer(std::string(8192, ' ') + r).AwaitClientClose(); },
+                             endOfText},
+    {"WaitsForClientToClose",[](auto& r) { return Script().AwaitClientClose().Send(r); }, endOfText},
+
+    // The connection is slow.
+    {"SlowerThanTheWait",    [](auto& r) { return Answer("{").SendInPieces(r.substr(1, 1), 1, 6s)
+                                                  .AwaitClientClose(); }, endOfText},
+    {"FasterThanTheWait",    [](auto& r) { return Answer("").SendInPieces(r, r.size() / 2, 2600ms); },
+                             good},
+    {"ByteByByte",           [](auto& r) { return Answer("").SendInPieces(r, 1, 1ms); }, good},
+
+    // The connection is unusual, and that is all.
+    {"HalfClosed",           [](auto& r) { return Answer(r).HalfClose().AwaitClientClose(); }, good},
+    {"RepliesBeforeItReads", [](auto& r) { return Script().Send(r); }, good},
+
+    // The reply is no JSON.
+    {"Blank",                [](auto&)   { return Answer("   \n"); }, endOfText},
+    {"OneBrace",             [](auto&)   { return Answer("{"); }, endOfText},
+    {"Garbage",              [](auto&)   { return Answer("\x01\x7f\xfe garbage"); },
+                             "JSON Exception: unexpected byte '\x01' in value"},
+    {"Words",                [](auto&)   { return Answer("everything is fine\n"); },
+                             "JSON Exception: unexpected byte 'e' in value"},
+    // The text of the error ends at the NUL that it tells of.
+    {"NulByte",              [](auto& r) { return Answer(std::string(1, '\0') + r); },
+                             "JSON Exception: unexpected byte '"},
+    {"NulBehind",            [](auto& r) { return Answer(r + std::string(1, '\0')); },
+                             "JSON Exception: Excess characters found after JSON end."},
+    {"InvalidUtf8",          [](auto& r) { return Answer(WithMember(r, "\"x\":\"\xc3\x28\"")); },
+                             "JSON Exception: invalid UTF-8 text"},
+    {"ByteOrderMark",        [](auto& r) { return Answer("\xef\xbb\xbf" + r); },
+                             "JSON Exception: unexpected byte '\xef' in value"},
+    {"TextBehind",           [](auto& r) { return Answer(r + "x"); },
+                             "JSON Exception: Excess characters found after JSON end."},
+    {"ObjectBehind",         [](auto& r) { return Answer(r + "{}"); },
+                             "JSON Exception: Excess characters found after JSON end."},
+    {"CommaTooMany",         [](auto& r) { return Answer(r.substr(0, r.size() - 1) + ",}"); },
+                             "JSON Exception: unexpected byte '}' in value"},
+    {"SingleQuotes",         [](auto& r) { return Answer(WithMember(r, "'x':1")); },
+                             "JSON Exception: unexpected byte ''' in value"},
+    {"Comment",              [](auto& r) { return Answer("/* */" + r); },
+                             "JSON Exception: unexpected byte '/' in value"},
+    {"NumberTooLong",        [](auto& r) { return Answer(WithMember(r, "\"x\":99999999999999999999999")); },
+                             "Syntax error: Not a valid unsigned integer: 99999999999999999999999"},
+
+    // The reply is no object.
+    {"TextRoot",             [](auto&)   { return Answer("\"text\""); }, noObject},
+    {"NumberRoot",           [](auto&)   { return Answer("1"); }, noObject},
+    {"TrueRoot",             [](auto&)   { return Answer("true"); }, noObject},
+    {"NullRoot",             [](auto&)   { return Answer("null"); }, noObject},
+
+    // The reply is unusual, and that is all.
+    {"BlanksAround",         [](auto& r) { return Answer("\r\n\t " + r + "\r\n\t "); }, good},
+    {"DuplicateKeys",        [](auto& r) { return Answer(WithMember(r,
+                                 R"("resultCode":9,"description":"first","debugModeEnabled":false)")); },
+                             good},
+    {"TenThousandEntries",   [](auto& r) { return Answer(WithEntries(10000, r)); }, good},
+    {"OneBlock",             [](auto& r) { return Answer(PaddedTo(8192, r)); }, good},
+    {"OneBlockAndAByte",     [](auto& r) { return Answer(PaddedTo(8193, r)); }, good},
+    {"SixtyFourMebibytes",   [](auto& r) { return Answer(AtTheEndOf(64 << 20, r)); }, good},
+
+    // The reply is nested.
+    {"Nested100",            [](auto& r) { return Answer(Nested(100, r)); }, good},
+    {"Nested128",            [](auto& r) { return Answer(Nested(128, r)); }, good},
+    {"Nested129",            [](auto& r) { return Answer(Nested(129, r)); }, tooDeep},
+    {"Nested100000",         [](auto& r) { return Answer(Nested(100000, r)); }, tooDeep},
+};
+// clang-format on
+
+using Cell = std::tuple<const Exchange*, const Fault*>;
+
+class FaultMatrix: public testing::TestWithParam<Cell>
+{
+};
+
+std::string CellName(const testing::TestParamInfo<Cell>& cell)
+{
+    const auto [exchange, fault] = cell.param;
+    return exchange->name + "_" + fault->name;
+}
+
+} // namespace
+
+TEST_P(FaultMatrix, EndsAsTheTableSays)
+{
+    const Exchange& exchange = *std::get<const Exchange*>(GetParam());
+    const Fault& fault = *std::get<const Fault*>(GetParam());
+    ScriptedEngine engine;
+    exchange.ServeUpToFault(engine);
+    engine.OnConnection(fault.engine(exchange.Reply()));
+    exchange.ServeAfterFault(engine);
+
+    const Outcome outcome = RunTool(exchange.commandLine);
+
+    EXPECT_EQ(outcome, fault.reason == good ? exchange.good : exchange.Unreadable(fault.reason));
+    // An engine that does not read sees no request; the tool has sent it all the same.
+    if (std::string(fault.name).find("Unread") == std::string::npos) {
+        EXPECT_EQ(engine.Requests(),
+                  fault.reason == good ? exchange.requests : exchange.RequestsUpToFault());
+    } else {
+        EXPECT_EQ(engine.Connections().size(), exchange.faulty + 1);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, FaultMatrix,
+                         testing::Combine(testing::ValuesIn(Exchanges()),
+                                          testing::Range(std::begin(faultTable),
+                                                         std::end(faultTable))),
+                         CellName);

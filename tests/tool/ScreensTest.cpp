@@ -1,0 +1,93 @@
+// The help and version screens.
+
+#include "tests/support/ScriptedEngine.h"
+#include "tests/support/Tool.h"
+#include "tests/tool/Texts.h"
+
+#include <gtest/gtest.h>
+
+#include <regex>
+
+namespace {
+
+const std::string helpAfterUsage =
+    R"(Application to control Vantrel / manage module applications
+
+-h, --help                          Display help information
+-v, --version                       Display version information of this 
+                                    application
+--colors                            Use colors in the output
+--update                            Request modules update
+--update-status                     Return the status of the modules update
+-d<enable>, --debug=<enable>        Enter debug mode (true, false)
+-s<module>, --start=<module>        Start a mirtaq module
+-p<module>, --stop=<module>         Stop a mirtaq module
+-r<module>, --restart=<module>      Restart a mirtaq module
+-c<module>, --reconfigure=<module>  Reconfigure a running mirtaq module model
+-l, --list                          List all known mirtaq services and modules
+-u<module>, --status=<module>       Return the status of a mirtaq module
+-e, --engine-status                 Return the status of the Vantrel
+-i<module>, --pid=<module>          Return the PID of a module
+-m<module>, --monitor=<module>      Stop heartbeat monitoring of a module
+)";
+
+} // namespace
+
+TEST(HelpScreen, ListsEveryOptionInTheTablesOrder)
+{
+    EXPECT_EQ(RunToolAs("quorlan", {"--help"}),
+              (Outcome{0, "usage: quorlan OPTIONS\n" + helpAfterUsage, ""}));
+}
+
+TEST(HelpScreen, IsNamedAsTheToolWasStarted)
+{
+    EXPECT_EQ(RunToolAs("engine-control", {"-h"}),
+              (Outcome{0, "usage: engine-control OPTIONS\n" + helpAfterUsage, ""}));
+}
+
+TEST(HelpScreen, KeepsLaterOptionsFromBeingHandled)
+{
+    ScriptedEngine engine;
+
+    const Outcome outcome = RunTool(Words("--help --start abc"));
+
+    EXPECT_EQ(outcome, RunTool({"--help"}));
+    EXPECT_EQ(engine.Requests(), std::vector<std::string>{});
+}
+
+TEST(VersionScreen, ShowsReleaseRevisionBranchBuildTypeHostDateAndTime)
+{
+    const Outcome outcome = RunTool({"--version"});
+
+    EXPECT_EQ(outcome.status, 0);
+    EXPECT_EQ(outcome.err, "");
+    const std::regex screen("quorlan v(" QUORLAN_RELEASE "\\+\\S+)\n"
+                            "\\(build info: (\\S+) git:\\S+ [a-z]+ host:\\S+ "
+                            "[A-Z][a-z]{2} [0-9]{2} [0-9]{4} [0-9]{2}:[0-9]{2}:[0-9]{2}\\)\n");
+    std::smatch match;
+    ASSERT_TRUE(std::regex_match(outcome.out, match, screen)) << outcome.out;
+    EXPECT_EQ(match[1], match[2]);
+}
+
+TEST(VersionScreen, IsTheSameForTheShortName)
+{
+    EXPECT_EQ(RunTool({"-v"}), RunTool({"--version"}));
+}
+
+TEST(VersionScreen, KeepsAHelpOptionBehindItFromBeingHandled)
+{
+    EXPECT_EQ(RunTool({"--version", "--help"}), RunTool({"--version"}));
+}
+
+TEST(VersionScreen, ComesAfterTheReportOfACommandBeforeIt)
+{
+    ScriptedEngine engine{debugModeOn, R"({"description":"started abc","resultCode":0})"};
+    const std::string version = RunTool({"--version"}).out;
+
+    EXPECT_EQ(RunTool(Words("--start abc --version")), (Outcome{0, "started abc\n" + version, ""}));
+}
+
+TEST(VersionScreen, KeepsAnInvalidOptionBehindItFromFailing)
+{
+    EXPECT_EQ(RunTool({"--version", "--bogus"}), RunTool({"--version"}));
+}

@@ -1,0 +1,217 @@
+// Colours: which bytes, around what, and when at all.
+
+#include "tests/support/ScriptedEngine.h"
+#include "tests/support/Tool.h"
+#include "tests/tool/Texts.h"
+
+#include <gtest/gtest.h>
+
+#include <regex>
+
+namespace {
+
+const char* const list =
+    R"({"resultCode":0,"services":[{"name":"log","state":"running","version":"1"},
+                                   {"name":"web","state":"stopped","version":"1"},
+                                   {"name":"ftp","state":"terminated","version":"1"},
+                                   {"name":"ntp","state":"Running","version":"1"},
+                                   {"name":"sql","state":5,"version":"1"}],
+        "modules":[{"name":"pump","state":"starting","monitored":true,"version":"2"},
+                   {"name":"valve","state":"running","monitored":false,"version":"2"}]})";
+
+const char* const status = R"({"safeModeEnabled":true,"debugModeEnabled":true,"state":"running",)"
+                           R"("version":"1.0","build":"x","resultCode":0})";
+const char* const calmStatus =
+    R"({"safeModeEnabled":false,"debugModeEnabled":false,"state":"running",)"
+    R"("version":"1.0","build":"x","resultCode":0})";
+
+Outcome Show(const char* reply, const std::string& commandLine, Terminal terminal)
+{
+    ScriptedEngine engine{reply};
+    return RunTool(Words(commandLine), terminal);
+}
+
+std::string WithoutEscapes(const std::string& text)
+{
+    return std::regex_replace(text, std::regex("\033\\[[0-9]+m"), "");
+}
+
+} // namespace
+
+TEST(Styles, OfTheListMarkHeadingsStatesAndHeartbeats)
+{
+    EXPECT_EQ(
+        Show(list, "--colors --list", Terminal::Output),
+        (Outcome{0,
+                 "\033[1mSERVICE NAME             \033[00m\033[1mSTATE          \033[00m"
+                 "\033[1mVERSION        \033[00m\n"
+                 "-------------------------------------------------------\n"
+                 "log                      \033[32mrunning        \033[00m1              \n"
+                 "web                      \033[31mstopped        \033[00m1              \n"
+                 "ftp                      \033[31mterminated     \033[00m1              \n"
+                 "ntp                      \033[33mRunning        \033[00m1              \n"
+                 "sql                      \033[33m5              \033[00m1              \n"
+                 "\n"
+                 "\033[1mMODULE NAME              \033[00m\033[1mSTATE          \033[00m"
+                 "\033[1mHEARTBEAT      \033[00m\033[1mVERSION        \033[00m\n"
+                 "----------------------------------------------------------------------\n"
+                 "pump                     \033[33mstarting       \033[00m\033[32myes            "
+                 "\033[00m2              \n"
+                 "valve                    \033[32mrunning        \033[00m\033[31mno             "
+                 "\033[00m2              \n"
+                 "\n",
+                 ""}));
+}
+
+TEST(Styles, OfTheStatusMarkTheTitleTheModesAndTheState)
+{
+    EXPECT_EQ(Show(status, "--colors --engine-status", Terminal::Output),
+              (Outcome{0,
+                       "\033[1mVantrel status\033[00m\n"
+                       "------------------------------\n"
+                       "Safe mode:     \033[31menabled        \033[00m\n"
+                       "Debug mode:    \033[33menabled        \033[00m\n"
+                       "State:         \033[34mrunning        \033[00m\n"
+                       "Version:       1.0            \n"
+                       "Build info:    x              \n"
+                       "\n",
+                       ""}));
+}
+
+TEST(Styles, OfTheStatusShowModesThatAreOffInGreen)
+{
+    EXPECT_EQ(Show(calmStatus, "--colors --engine-status", Terminal::Output),
+              (Outcome{0,
+                       "\033[1mVantrel status\033[00m\n"
+                       "------------------------------\n"
+                       "Safe mode:     \033[32mdisabled       \033[00m\n"
+                       "Debug mode:    \033[32mdisabled       \033[00m\n"
+                       "State:         \033[34mrunning        \033[00m\n"
+                       "Version:       1.0            \n"
+                       "Build info:    x              \n"
+                       "\n",
+                       ""}));
+}
+
+TEST(Styles, LeaveTheTextBetweenThemAsItIsWithoutThem)
+{
+    for (const auto& [reply, command] :
+         {std::pair(list, "--list"), std::pair(status, "--engine-status")}) {
+        const Outcome plain = Show(reply, command, Terminal::None);
+        const Outcome styled = Show(reply, std::string("--colors ") + command, Terminal::Output);
+
+        EXPECT_NE(styled.out, plain.out);
+        EXPECT_EQ(WithoutEscapes(styled.out), plain.out);
+    }
+}
+
+TEST(Styles, AreNotWrittenToATerminalWithoutTheOption)
+{
+    const Outcome plain = Show(list, "--list", Terminal::None);
+
+    EXPECT_EQ(Show(list, "--list", Terminal::Output), plain);
+    EXPECT_EQ(plain.out.find('\033'), std::string::npos);
+}
+
+TEST(Styles, AreNotWrittenToAPipe)
+{
+    EXPECT_EQ(Show(list, "--colors --list", Terminal::None), Show(list, "--list", Terminal::None));
+    EXPECT_EQ(Show(status, "--colors --engine-status", Terminal::None),
+              Show(status, "--engine-status", Terminal::None));
+}
+
+TEST(Styles, DoNotDependOnWhereStandardErrorGoes)
+{
+    EXPECT_EQ(Show(list, "--colors --list", Terminal::Error), Show(list, "--list", Terminal::None));
+    EXPECT_EQ(Show(list, "--colors --list", Terminal::Both),
+              Show(list, "--colors --list", Terminal::Output));
+}
+
+TEST(Styles, DoNotDependOnTheEnvironment)
+{
+    setenv("CLICOLOR_FORCE", "1", 1);
+    EXPECT_EQ(Show(list, "--list", Terminal::Output), Show(list, "--list", Terminal::None));
+
+    unsetenv("CLICOLOR_FORCE");
+    const Outcome styled = Show(list, "--colors --list", Terminal::Output);
+    setenv("NO_COLOR", "1", 1);
+    setenv("TERM", "dumb", 1);
+    EXPECT_EQ(Show(list, "--colors --list", Terminal::Output), styled);
+}
+
+TEST(Styles, ColorReportsOnlyFromTheOptionOn)
+{
+    ScriptedEngine engine{list, list};
+
+    EXPECT_EQ(RunTool(Words("--list --colors"), Terminal::Output),
+              RunTool({"--list"}, Terminal::None));
+}
+
+TEST(Styles, StayOnForEveryReportBehindTheOption)
+{
+    ScriptedEngine engine{R"({"description":"ok","resultCode":0})", list, list};
+
+    const std::string styled = RunTool(Words("--colors --update --list"), Terminal::Output).out;
+
+    EXPECT_EQ(styled, "ok\n" + RunTool(Words("--colors --list"), Terminal::Output).out);
+}
+
+TEST(Styles, AreNotBegunForAValueThatCannotBeRead)
+{
+    const std::string title = "\033[1mVantrel status\033[00m\n------------------------------\n";
+    const std::string heading =
+        "\033[1mSERVICE NAME             \033[00m\033[1mSTATE          \033[00m";
+    const std::string watchedHeading =
+        heading + "\033[1mHEARTBEAT      \033[00m\033[1mVERSION        \033[00m\n"
+                  "----------------------------------------------------------------------\n";
+    const auto ends = [](const std::string& out) {
+        return Outcome{76, out, missingValue};
+    };
+    const auto show = [](const char* reply, const char* command) {
+        return Show(reply, std::string("--colors ") + command, Terminal::Output);
+    };
+
+    EXPECT_EQ(show(R"({"debugModeEnabled":true})", "--engine-status"),
+              ends(title + "Safe mode:     "));
+    EXPECT_EQ(show(R"({"safeModeEnabled":true})", "--engine-status"),
+              ends(title + "Safe mode:     \033[31menabled        \033[00m\nDebug mode:    "));
+    EXPECT_EQ(show(R"({"safeModeEnabled":true,"debugModeEnabled":true})", "--engine-status"),
+              ends(title + "Safe mode:     \033[31menabled        \033[00m\n"
+                           "Debug mode:    \033[33menabled        \033[00m\nState:         "));
+    EXPECT_EQ(show(R"({"resultCode":0,"services":[{"name":"log"}]})", "--list"),
+              ends(heading + "\033[1mVERSION        \033[00m\n"
+                             "-------------------------------------------------------\n"
+                             "log                      "));
+    EXPECT_EQ(show(R"({"resultCode":0,"services":[
+                       {"name":"log","state":"running","monitored":true,"version":"1"},
+                       {"name":"web","state":"running"}]})",
+                   "--list"),
+              ends(watchedHeading +
+                   "log                      \033[32mrunning        \033[00m\033[32myes            "
+                   "\033[00m1              \n"
+                   "web                      \033[32mrunning        \033[00m"));
+}
+
+TEST(Styles, LeaveTheSentenceOfAnEmptyTableAlone)
+{
+    const std::string headings = "\033[1mSTATE          \033[00m\033[1mVERSION        \033[00m\n"
+                                 "-------------------------------------------------------\n"
+                                 "None are loaded!\n\n";
+
+    EXPECT_EQ(
+        Show(R"({"resultCode":0,"services":[],"modules":[]})", "--colors --list", Terminal::Output),
+        (Outcome{0,
+                 "\033[1mSERVICE NAME             \033[00m" + headings +
+                     "\033[1mMODULE NAME              \033[00m" + headings,
+                 ""}));
+}
+
+TEST(Styles, AreNotUsedForFailures)
+{
+    const Outcome refused = RunTool(Words("--colors --start abc"), Terminal::Both);
+    EXPECT_EQ(refused, (Outcome{76, connectionRefused + debugModeIsOff, emptyReply}));
+
+    EXPECT_EQ(
+        Show(R"({"resultCode":7,"description":"not ready"})", "--colors --list", Terminal::Both),
+        (Outcome{7, "", "not ready\n"}));
+}
