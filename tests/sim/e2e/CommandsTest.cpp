@@ -1,9 +1,9 @@
 // What the tool shows of the simulator, command by command.
 
-#include "tests/tool/Texts.h"
 #include "tests/sim/e2e/Simulator.h"
 #include "tests/sim/e2e/TemporaryFile.h"
 #include "tests/support/Tool.h"
+#include "tests/tool/Texts.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // Each fault, as the tool shows it and as it is on the wire.
 
-#include "tests/tool/Texts.h"
 #include "tests/sim/Repeated.h"
 #include "tests/sim/e2e/Client.h"
 #include "tests/sim/e2e/Simulator.h"
 #include "tests/sim/e2e/TemporaryFile.h"
 #include "tests/support/Tool.h"
+#include "tests/tool/Texts.h"
 
 #include <gtest/gtest.h>
 
