@@ -206,8 +206,34 @@ class Completion:
         self.assert_left_alone("quorlan --start=va")
         self.assert_completes("quorlan --eng", "quorlan --engine-status ")
 
+    def test_is_installed_where_the_shell_looks(self):
+        for option, file in [("-DCMAKE_INSTALL_PREFIX=/usr", "usr/share/" + self.FILE),
+                             ("-DCMAKE_INSTALL_DATADIR=/data", "data/" + self.FILE)]:
+            with self.subTest(option):
+                self.assertIn(file, self.installed_with(option))
+
+    def installed_with(self, option):
+        """What a build that is configured with the option installs of the completions."""
+        source = self.folder / "source"
+        source.mkdir(exist_ok=True)
+        (source / "CMakeLists.txt").write_text(
+            "cmake_minimum_required(VERSION 3.20)\n"
+            "project(trial LANGUAGES NONE)\n"
+            "set(CMAKE_INSTALL_LIBDIR lib)\n"
+            "include(GNUInstallDirs)\n"
+            f"add_subdirectory({support.SOURCE}/completions completions)\n")
+        with tempfile.TemporaryDirectory() as build, tempfile.TemporaryDirectory() as root:
+            for command in [["-G", "Ninja", "-S", source, "-B", build, option],
+                            ["--install", build]]:
+                done = support.run(["cmake", *command], env={**os.environ, "DESTDIR": root})
+                self.assertEqual(0, done.returncode, done.stdout + done.stderr)
+            return [str(path.relative_to(root)) for path in pathlib.Path(root).rglob("*")
+                    if path.is_file()]
+
 
 class Bash(Completion, unittest.TestCase):
+    FILE = "bash-completion/completions/quorlan"
+
     @staticmethod
     def make_shell(folder):
         shell = Shell(["bash", "--norc", "--noprofile", "-i"], folder)
@@ -216,6 +242,8 @@ class Bash(Completion, unittest.TestCase):
 
 
 class Zsh(Completion, unittest.TestCase):
+    FILE = "zsh/site-functions/_quorlan"
+
     @classmethod
     def setUpClass(cls):
         # Looking through all the functions of zsh takes it longer than a test.
@@ -230,8 +258,15 @@ class Zsh(Completion, unittest.TestCase):
                     f"autoload -Uz compinit; compinit -u -d {cls.dump.name}/zcompdump")
         return shell
 
+    def test_is_installed_where_the_packager_wants_it(self):
+        folder = "share/zsh/vendor-completions"
+        self.assertIn(f"usr/local/{folder}/_quorlan",
+                      self.installed_with(f"-DQUORLAN_ZSH_COMPLETIONS_DIR={folder}"))
+
 
 class Fish(Completion, unittest.TestCase):
+    FILE = "fish/vendor_completions.d/quorlan.fish"
+
     @staticmethod
     def make_shell(folder):
         # Its absence would make fish read every manual page of the machine.
