@@ -73,28 +73,28 @@ std::string FirstHalf(const Poco::JSON::Object& reply)
     return text.substr(0, text.size() / 2);
 }
 
-void Send(Channel& channel, const std::string& text)
+void Send(ClientSocket& client, const std::string& text)
 {
-    channel.Send(text);
-    channel.Finish();
+    client.Send(text);
+    client.Finish();
 }
 
-void SendSlowly(Channel& channel, const std::string& text)
+void SendSlowly(ClientSocket& client, const std::string& text)
 {
-    channel.SendSlowly(text);
-    channel.Finish();
+    client.SendSlowly(text);
+    client.Finish();
 }
 
-void SendAndStay(Channel& channel, const std::string& text)
+void SendAndStay(ClientSocket& client, const std::string& text)
 {
-    channel.Send(text);
-    channel.WaitForClientToLeave();
+    client.Send(text);
+    client.WaitForClientToLeave();
 }
 
-void SendAndReset(Channel& channel, const std::string& text)
+void SendAndReset(ClientSocket& client, const std::string& text)
 {
-    channel.Send(text);
-    channel.ResetOnClose();
+    client.Send(text);
+    client.ResetOnClose();
 }
 
 } // namespace

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sim/Channel.h"
+#include "sim/ClientSocket.h"
 #include "sim/Engine.h"
 
 #include <Poco/JSON/Object.h>
@@ -19,7 +19,7 @@ struct Fault
     Poco::JSON::Object (*answer)(Engine& engine, const Poco::JSON::Object& request);
     std::string (*write)(const Poco::JSON::Object& reply);
     /// Leaves the connection ready to be closed.
-    void (*send)(Channel& channel, const std::string& text);
+    void (*send)(ClientSocket& client, const std::string& text);
 };
 
 /// The treatment without any fault; its name is empty.

@@ -8,8 +8,7 @@
 
 namespace sim {
 
-StrictObject::StrictObject(const Poco::Dynamic::Var& json, std::string pathOfObject)
-    : path(std::move(pathOfObject))
+StrictObject::StrictObject(const Poco::Dynamic::Var& json, std::string path) : path(std::move(path))
 {
     if (json.isEmpty() || json.type() != typeid(Poco::JSON::Object::Ptr)) {
         Fail("not a JSON object");
