@@ -13,7 +13,7 @@ namespace {
 constexpr std::chrono::seconds timeForRequest(5);
 constexpr std::size_t bufferSize = 4096;
 
-/// Takes what arrives until it makes one object. The result is what is wrong with it, or "".
+/// Reads until the frame holds one object. Returns what is wrong with the request, or "".
 std::string Fill(RequestFrame& frame, ClientSocket& client)
 {
     const Deadline deadline = std::chrono::steady_clock::now() + timeForRequest;

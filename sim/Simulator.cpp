@@ -61,7 +61,7 @@ void Simulator::defineOptions(Poco::Util::OptionSet& options)
     options.addOption(Option("state", "s", "Read the services and modules from a JSON file")
                           .argument("<file>")
                           .callback(Callback(this, &Simulator::HandleState)));
-    options.addOption(Option("fault", "f", "Misbehave on purpose, in one of the ways below")
+    options.addOption(Option("fault", "f", "Inject one of the faults below")
                           .argument("<name>")
                           .callback(Callback(this, &Simulator::HandleFault)));
 }
@@ -104,8 +104,8 @@ void Simulator::PrintHelp() const
     Poco::Util::HelpFormatter formatter(options());
     formatter.setCommand("vantrel-sim");
     formatter.setUsage("[--state=<file>] [--fault=<name>]");
-    formatter.setHeader("Stands in for the engine: answers the client on " +
-                        EngineAddress().toString() + " and shows every request on standard error.");
+    formatter.setHeader("Simulates the engine: answers clients on " + EngineAddress().toString() +
+                        " and logs every request to standard error.");
     formatter.format(std::cout);
 
     std::cout << "\nFaults, each applied to every connection:\n";
