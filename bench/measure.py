@@ -26,7 +26,7 @@ GROWTH = [10, 100, 1_000, 10_000, 100_000]
 
 PEERS = WORK / "peers"
 FLOOR = "bare C client (static)"
-STATIC = "`quorlan --list`, preset `static`"
+STATIC = "`quorlan --list`, preset `static-amd64`"
 CLIENTS = {
     FLOOR: [WORK / "bin/floor"],
     STATIC: [WORK / "bin/static", "--list"],
@@ -244,7 +244,7 @@ that of the greatest.
 {goals}
 ## Growth
 
-The preset `static` with replies of half as many services, half as many modules as entries.
+The preset `static-amd64` with replies of half as many services, half as many modules as entries.
 
 {growth}"""
 
