@@ -5,14 +5,17 @@
 
 #include "sim/ConnectionHandler.h"
 #include "sim/Listener.h"
+#include "sim/PrivateNetwork.h"
 #include "sim/RunCommand.h"
 #include "sim/Server.h"
 #include "sim/Signals.h"
+#include "sim/StartError.h"
 #include "sim/StateFile.h"
 
 #include <Poco/Util/Application.h>
 
 #include <cstdlib>
+#include <system_error>
 
 namespace sim {
 
@@ -21,6 +24,16 @@ namespace {
 Log OpenLog(const Settings& settings)
 {
     return settings.logFile ? Log(*settings.logFile, settings.logFormat) : Log(settings.logFormat);
+}
+
+void Isolate()
+{
+    try {
+        EnterPrivateNetwork();
+    } catch (const std::system_error& error) {
+        throw StartError(Poco::Util::Application::EXIT_UNAVAILABLE,
+                         std::string("no network of its own: ") + error.what());
+    }
 }
 
 /// Signals that end the simulator, or are for its command.
@@ -51,6 +64,9 @@ void Run(const Settings& settings)
 {
     Service service{Engine(settings.stateFile ? LoadState(*settings.stateFile) : DefaultState()),
                     FaultRules(settings.faults), settings.delay, OpenLog(settings)};
+    if (settings.isolated) {
+        Isolate();
+    }
     const Signals signals = WatchSignals(!settings.command.empty());
     Server server(new ConnectionHandlerFactory(service));
     server.Listen();

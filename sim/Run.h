@@ -19,6 +19,7 @@ struct Settings
     std::optional<std::string> logFile; ///< None: standard error.
     LogFormat logFormat = LogFormat::Text;
     std::vector<std::string> command; ///< Empty: serve until SIGINT or SIGTERM.
+    bool isolated = false;            ///< Both in a network of their own.
 };
 
 /// Serves, and then ends the process. Throws StartError.

@@ -56,6 +56,8 @@ void Simulator::defineOptions(Poco::Util::OptionSet& options)
     options.addOption(Option("log-format", "", "Write the log as text (default) or as json")
                           .argument("<format>")
                           .callback(Callback(this, &Simulator::HandleLogFormat)));
+    options.addOption(Option("isolated", "", "Give simulator and command a network of their own")
+                          .callback(Callback(this, &Simulator::HandleIsolated)));
 }
 
 void Simulator::HandleHelp(const std::string& /*name*/, const std::string& /*value*/)
@@ -97,6 +99,11 @@ void Simulator::HandleLogFormat(const std::string& /*name*/, const std::string& 
     settings.logFormat = value == "json" ? LogFormat::Json : LogFormat::Text;
 }
 
+void Simulator::HandleIsolated(const std::string& /*name*/, const std::string& /*value*/)
+{
+    settings.isolated = true;
+}
+
 int Simulator::main(const std::vector<std::string>& args)
 {
     try {
@@ -120,6 +127,9 @@ void Simulator::CheckCommandLine(const std::vector<std::string>& args) const
     }
     if (command && command->empty()) {
         RefuseCommandLine("no command after \"--\"");
+    }
+    if (settings.isolated && !command) {
+        RefuseCommandLine("--isolated needs a command: vantrel-sim --isolated -- <command>");
     }
     for (const FaultRule& rule : settings.faults) {
         if (rule.fault->reach == Reach::Queued && settings.faults.size() > 1) {

@@ -29,6 +29,7 @@ private:
     void HandleDelay(const std::string& name, const std::string& value);
     void HandleLog(const std::string& name, const std::string& value);
     void HandleLogFormat(const std::string& name, const std::string& value);
+    void HandleIsolated(const std::string& name, const std::string& value);
 
     void PrintHelp() const;
     /// Throws StartError for what is wrong with the command line as a whole.
