@@ -49,7 +49,7 @@ TEST(Styles, LookAtTheStreamTheyAreAppliedTo)
     dup2(error.Get(), STDERR_FILENO);
 
     EXPECT_TRUE(onOutputBefore);
-    EXPECT_FALSE(onOutput) << "each use looks anew";
+    EXPECT_FALSE(onOutput) << "each use looks again";
     EXPECT_TRUE(onError);
     EXPECT_TRUE(onLog);
     EXPECT_FALSE(onAnother);
