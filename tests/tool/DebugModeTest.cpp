@@ -1,7 +1,6 @@
 // The commands that need debug mode, and how the tool asks for it.
 
 #include "tests/support/ScriptedEngine.h"
-#include "tests/support/TestName.h"
 #include "tests/support/Tool.h"
 #include "tests/tool/Texts.h"
 
@@ -19,15 +18,14 @@ TEST_P(GatedCommand, IsNotSentWhileDebugModeIsOffAndEndsWithSuccess)
 {
     ScriptedEngine engine{debugModeOff, accepted};
 
-    EXPECT_EQ(RunTool({GetParam(), "abc"}), (Outcome{0, debugModeIsOff, ""}));
+    EXPECT_EQ(RunTool({std::string("--") + GetParam(), "abc"}), (Outcome{0, debugModeIsOff, ""}));
 
     EXPECT_EQ(engine.Requests(), std::vector<std::string>{engineStatusRequest});
 }
 
 INSTANTIATE_TEST_SUITE_P(DebugMode, GatedCommand,
-                         testing::Values("--start", "--stop", "--restart", "--monitor",
-                                         "--reconfigure"),
-                         [](const auto& command) { return TestName(command.param); });
+                         testing::Values("start", "stop", "restart", "monitor", "reconfigure"),
+                         [](const auto& command) { return std::string(command.param); });
 
 TEST(DebugMode, AloneOpensTheGateWhateverTheResultCodeAndTheSafeMode)
 {

@@ -43,7 +43,8 @@ TEST(Environment, NeedsNoWorkingDirectory)
 
 TEST(Environment, NeedsPathForANameWithoutASlash)
 {
-    if (std::getenv("QUORLAN_LAUNCHER") != nullptr) {
+    const char* const launcher = std::getenv("QUORLAN_LAUNCHER");
+    if (launcher != nullptr && *launcher != '\0') {
         GTEST_SKIP() << "a launcher starts the tool by its path";
     }
     EXPECT_EQ(RunShell("bash -c 'unset PATH; exec -a quorlan \"$0\" --help' $QUORLAN"),

@@ -2,11 +2,12 @@
 //
 // A row of the table says what the engine does in place of its reply and what the tool makes of it:
 // nothing is wrong (good), or the reply cannot be read for the reason given, in POCO's words.
-// A reply that is cut off at any byte is the matter of tests/unit.
+// Replies that are cut off at any byte are tried in tests/unit/TruncatedReplyTest.cpp.
 
 #include "tests/support/ScriptedEngine.h"
 #include "tests/support/Tool.h"
 #include "tests/tool/Scenarios.h"
+#include "tests/tool/Texts.h"
 
 #include <gtest/gtest.h>
 
@@ -245,3 +246,11 @@ TEST_P(RefusedExchange, EndsTheRun)
 
 INSTANTIATE_TEST_SUITE_P(Faults, RefusedExchange, scenarios,
                          [](const auto& scenario) { return scenario.param->name; });
+
+TEST(Reply, OfAnySizeIsReadWhole)
+{
+    ScriptedEngine engine;
+    engine.OnConnection(Answer(std::string(64 << 20, ' ') + accepted));
+
+    EXPECT_EQ(RunTool({"--update"}), (Outcome{0, "ok\n", ""}));
+}
