@@ -95,19 +95,16 @@ TEST(Listing, DecidesAboutTheHeartbeatColumnForEachTable)
                  ""}));
 }
 
-TEST(Listing, StopsAtTheRowThatLacksWhatAnotherRowBroughtIn)
+TEST(Listing, StopsAtTheRowThatHasNoHeartbeatOrNullWhereTheColumnIsShown)
 {
+    const Outcome stopped{76, watchedServiceHeading + "a                        up             ",
+                          missingValue};
+
     EXPECT_EQ(ListOf(Services(R"({"name":"a","state":"up","version":"1"},
                                  {"name":"b","state":"up","monitored":true,"version":"1"})")),
-              (Outcome{76, watchedServiceHeading + "a                        up             ",
-                       missingValue}));
-}
-
-TEST(Listing, TakesANullHeartbeatForPresentAndThenFailsOnIt)
-{
+              stopped);
     EXPECT_EQ(ListOf(Services(R"({"name":"a","state":"up","monitored":null,"version":"1"})")),
-              (Outcome{76, watchedServiceHeading + "a                        up             ",
-                       missingValue}));
+              stopped);
 }
 
 TEST(Listing, WritesLongTextsWholeAndLetsThemPushTheRow)

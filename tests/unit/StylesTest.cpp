@@ -10,11 +10,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-TEST(Styles, AreOffAtStart)
-{
-    EXPECT_FALSE(useColors);
-}
-
 TEST(Styles, AreNeverActiveOnAStreamThatIsNoStandardStream)
 {
     useColors = true;
@@ -53,12 +48,4 @@ TEST(Styles, LookAtTheStreamTheyAreAppliedTo)
     EXPECT_TRUE(onError);
     EXPECT_TRUE(onLog);
     EXPECT_FALSE(onAnother);
-}
-
-TEST(Styles, CanBeChosenAtRunTime)
-{
-    std::ostringstream stream;
-    auto* const style = stream.good() ? Green : Red;
-
-    EXPECT_EQ(&style(stream), &stream);
 }
