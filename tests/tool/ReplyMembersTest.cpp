@@ -240,7 +240,7 @@ TEST_P(ConvertedValue, IsShownAsFlagAndTextAndTakenAsResultCode)
 INSTANTIATE_TEST_SUITE_P(Values, ConvertedValue,
                          testing::Range(std::begin(valueTable), std::end(valueTable)), nameOfRow);
 
-TEST_P(ReplyMember, IsNotReplacedWhereItIsMissing)
+TEST_P(ReplyMember, EndsTheReportWhereItIsMissing)
 {
     const Outcome failed{76, GetParam()->printedBefore, missingValue};
 
