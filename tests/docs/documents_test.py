@@ -10,8 +10,8 @@ Comments directly before a block, "<!-- ... -->" or '.\\" ...', change that:
     engine: --fault=silent    the simulator's arguments; "none" for no engine
     varying: 0.1.1 | Mar 14   texts in the block that may differ, word by word
 
-Blanks at the ends of lines and empty lines at the end of an output are not compared; all else is. Blocks fenced
-as "sh" are not run here; their syntax is checked, and that the scripts they name are there.
+Spaces at the ends of lines and empty lines at the end of an output are not compared. Blocks fenced
+as "sh" are not run; the tests check their syntax and that the scripts they name exist.
 """
 
 import contextlib
@@ -23,7 +23,8 @@ import unittest
 import support
 
 MANUAL = support.SOURCE / "docs/man/quorlan.1"
-MARKDOWN = sorted([*support.SOURCE.glob("*.md"), *support.SOURCE.glob("docs/**/*.md")])
+MARKDOWN = sorted([*support.SOURCE.glob("*.md"), *support.SOURCE.glob("docs/**/*.md"),
+                   support.SOURCE / "tests/README.md"])
 
 MARKER = "\x01"
 

@@ -1,4 +1,4 @@
-"""Holds the manual page against the tool: its options, its exit statuses, its form."""
+"""Checks the manual page against the tool: its options, its exit statuses, its form."""
 
 import os
 import pathlib

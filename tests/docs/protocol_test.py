@@ -1,4 +1,4 @@
-"""Holds docs/protocol.md and its schemas against the simulator and the tool."""
+"""Checks docs/protocol.md and its schemas against the simulator and the tool."""
 
 import json
 import re
@@ -35,12 +35,12 @@ def ask(request):
 
 
 def requests_of_the_tool(*arguments):
-    """The requests, as sent, of a run beside an engine that says yes to everything."""
-    return run_beside({"debugModeEnabled": True, "resultCode": 0}, *arguments)[0]
+    """The requests, as sent, of a run with an engine that says yes to everything."""
+    return run_with_reply({"debugModeEnabled": True, "resultCode": 0}, *arguments)[0]
 
 
-def run_beside(reply, *arguments):
-    """The requests, as sent, and the end of a run beside an engine that always says the same."""
+def run_with_reply(reply, *arguments):
+    """The requests, as sent, and the finished run with an engine that always replies this."""
     with socket.create_server(ADDRESS) as listener:
         requests = []
 
@@ -92,12 +92,12 @@ class Protocol(unittest.TestCase):
                 for request in requests:
                     validator("request").validate(json.loads(request))
 
-    def test_only_the_commands_said_to_do_so_ask_the_debug_mode(self):
+    def test_the_gated_commands_and_no_others_check_debug_mode(self):
         said = re.search(r"^Before (.*?) the client sends `engine-status`",
                          GUIDE.read_text(), re.M | re.S).group(1)
-        asking = [command for command in MODULE_COMMANDS
-                  if len(requests_of_the_tool(f"--{command}=valve")) == 2]
-        self.assertEqual(sorted(re.findall(r"`(\w+)`", said)), sorted(asking))
+        checking = [command for command in MODULE_COMMANDS
+                    if len(requests_of_the_tool(f"--{command}=valve")) == 2]
+        self.assertEqual(sorted(re.findall(r"`(\w+)`", said)), sorted(checking))
 
     def test_the_replies_of_the_simulator_fit_their_schemas(self):
         with support.Engine():
@@ -122,11 +122,12 @@ class Protocol(unittest.TestCase):
         for reply, expected in [(refusal, 76), ({**refusal, **status}, 6)]:
             with self.subTest(reply):
                 self.assertEqual(expected == 6, validator("engine-status-reply").is_valid(reply))
-                ended = run_beside(reply, "--engine-status")[1]
+                ended = run_with_reply(reply, "--engine-status")[1]
                 self.assertEqual(expected, ended.returncode)
                 self.assertNotIn("Not now", ended.stdout + ended.stderr)
-                # The gate has no look at the code.
-                gated = [json.loads(r)["command"] for r in run_beside(reply, "--start=valve")[0]]
+                # The check of debug mode ignores the code.
+                requests = run_with_reply(reply, "--start=valve")[0]
+                gated = [json.loads(request)["command"] for request in requests]
                 self.assertEqual(["engine-status", "start"][:1 + (expected == 6)], gated)
 
     def test_the_schemas_refuse_what_the_guide_rules_out(self):
