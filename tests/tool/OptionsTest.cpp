@@ -206,14 +206,15 @@ TEST(Options, ACommandGivenTwiceIsIncompatibleWithItself)
 
 TEST(Options, AnUpdateGivenTwiceFailsAfterTheFirstHasRun)
 {
-    for (const std::string option : {"update", "update-status"}) {
-        const Conversation twice = Converse("--" + option + " --" + option);
+    const Conversation update = Converse("--update --update");
+    EXPECT_EQ(update.outcome,
+              (Outcome{78, "ok\n", "Option must not be given more than once: update\n"}));
+    EXPECT_EQ(update.requests, std::vector<std::string>{R"({"command":"update"})"});
 
-        EXPECT_EQ(
-            twice.outcome,
-            (Outcome{78, "ok\n", "Option must not be given more than once: " + option + "\n"}));
-        EXPECT_EQ(twice.requests, std::vector<std::string>{R"({"command":")" + option + "\"}"});
-    }
+    const Conversation status = Converse("--update-status --update-status");
+    EXPECT_EQ(status.outcome,
+              (Outcome{78, "ok\n", "Option must not be given more than once: update-status\n"}));
+    EXPECT_EQ(status.requests, std::vector<std::string>{R"({"command":"update-status"})"});
 }
 
 TEST(Options, OutsideTheGroupGoWithACommandAndWithEachOther)

@@ -17,12 +17,17 @@ namespace {
 struct Code
 {
     int status;
-    std::string reason = "";
+    std::string reason;
 };
 
 const Code tooLarge{76, "Out of range: Value too large."};
 const Code tooSmall{76, "Out of range: Value too small."};
 const Code badCast{76, "Bad cast exception"};
+
+Code Taken(int status)
+{
+    return {status, ""};
+}
 
 Code NoInteger(const std::string& text)
 {
@@ -48,18 +53,18 @@ void PrintTo(const Value* value, std::ostream* stream)
 
 // clang-format off
 const Value valueTable[] = {
-    {"True",              "true",                 "true",                      yes, {1}},
-    {"False",             "false",                "false",                     no,  {0}},
+    {"True",              "true",                 "true",                      yes, Taken(1)},
+    {"False",             "false",                "false",                     no,  Taken(0)},
 
     {"EmptyText",         R"("")",                "",                          no,  NoInteger("")},
     {"Text",              R"("some text")",       "some text",                 yes, NoInteger("some text")},
     {"TextWithNewline",   R"("two\nlines")",       "two\nlines",                yes, NoInteger("two\nlines")},
     {"TextTrue",          R"("True")",            "True",                      yes, NoInteger("True")},
     {"TextFalse",         R"("False")",           "False",                     no,  NoInteger("False")},
-    {"TextZero",          R"("0")",               "0",                         no,  {0}},
-    {"TextSeven",         R"("7")",               "7",                         yes, {7}},
-    {"TextPlusSeven",     R"("+7")",              "+7",                        yes, {7}},
-    {"TextMinusSeven",    R"("-7")",              "-7",                        yes, {249}},
+    {"TextZero",          R"("0")",               "0",                         no,  Taken(0)},
+    {"TextSeven",         R"("7")",               "7",                         yes, Taken(7)},
+    {"TextPlusSeven",     R"("+7")",              "+7",                        yes, Taken(7)},
+    {"TextMinusSeven",    R"("-7")",              "-7",                        yes, Taken(249)},
     {"TextFraction",      R"("7.5")",             "7.5",                       yes, NoInteger("7.5")},
     {"TextSpaced",        R"(" 7 ")",             " 7 ",                       yes, NoInteger(" 7 ")},
     {"TextHexadecimal",   R"("0x10")",            "0x10",                      yes, NoInteger("0x10")},
@@ -68,26 +73,26 @@ const Value valueTable[] = {
     {"TextWithNul",       R"("a\u0000b")",        std::string("a\0b", 3),      yes, NoInteger(std::string("a\0b", 3))},
     {"TextWithEscape",    R"("\u001b[31mred")",   "\033[31mred",               yes, NoInteger("\033[31mred")},
 
-    {"Zero",              "0",                    "0",                         no,  {0}},
-    {"MinusZero",         "-0",                   "0",                         no,  {0}},
-    {"Seven",             "7",                    "7",                         yes, {7}},
-    {"Code255",           "255",                  "255",                       yes, {255}},
-    {"LargestCode",       "2147483647",           "2147483647",                yes, {255}},
+    {"Zero",              "0",                    "0",                         no,  Taken(0)},
+    {"MinusZero",         "-0",                   "0",                         no,  Taken(0)},
+    {"Seven",             "7",                    "7",                         yes, Taken(7)},
+    {"Code255",           "255",                  "255",                       yes, Taken(255)},
+    {"LargestCode",       "2147483647",           "2147483647",                yes, Taken(255)},
     {"PastLargestCode",   "2147483648",           "2147483648",                yes, tooLarge},
-    {"SmallestCode",      "-2147483648",          "-2147483648",               yes, {0}},
+    {"SmallestCode",      "-2147483648",          "-2147483648",               yes, Taken(0)},
     {"PastSmallestCode",  "-2147483649",          "-2147483649",               yes, tooSmall},
     {"Largest",           "9223372036854775807",  "9223372036854775807",       yes, tooLarge},
     {"PastLargest",       "9223372036854775808",  "9223372036854775808",       yes, tooLarge},
     {"LargestUnsigned",   "18446744073709551615", "18446744073709551615",      yes, tooLarge},
-    {"PastUnsigned",      "18446744073709551616", "0",                         no,  {0}},
+    {"PastUnsigned",      "18446744073709551616", "0",                         no,  Taken(0)},
     {"Smallest",          "-9223372036854775808", "-9223372036854775808",      yes, tooSmall},
 
-    {"Half",              "0.5",                  "0.5",                       yes, {0}},
-    {"Fraction",          "3.75",                 "3.75",                      yes, {3}},
-    {"MinusFraction",     "-3.75",                "-3.75",                     yes, {253}},
-    {"ZeroFraction",      "0.0",                  "0",                         no,  {0}},
-    {"Exponent",          "1e2",                  "100",                       yes, {100}},
-    {"TinyExponent",      "1e-400",               "0",                         no,  {0}},
+    {"Half",              "0.5",                  "0.5",                       yes, Taken(0)},
+    {"Fraction",          "3.75",                 "3.75",                      yes, Taken(3)},
+    {"MinusFraction",     "-3.75",                "-3.75",                     yes, Taken(253)},
+    {"ZeroFraction",      "0.0",                  "0",                         no,  Taken(0)},
+    {"Exponent",          "1e2",                  "100",                       yes, Taken(100)},
+    {"TinyExponent",      "1e-400",               "0",                         no,  Taken(0)},
     {"PastCodeFraction",  "2147483648.5",         "2147483648.5",              yes, tooLarge},
 
     {"EmptyArray",        "[]",                   "[\n\n]",                    no,  badCast},
