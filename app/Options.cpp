@@ -10,6 +10,12 @@
 
 namespace {
 
+struct Argument
+{
+    const char* placeholder; // nullptr: the option takes no argument
+    const char* pattern;
+};
+
 struct OptionRow
 {
     const char* fullName;
@@ -17,8 +23,7 @@ struct OptionRow
     const char* description;
     const char* group;
     bool repeatable;
-    const char* argument;  // nullptr: the option takes none
-    const char* validator; // nullptr where there is no argument
+    Argument argument;
     void (Quorlan::*handler)(const std::string& name, const std::string& value);
 };
 
@@ -32,43 +37,46 @@ constexpr const char* commandGroup = "command";
 constexpr bool once = false;
 constexpr bool repeatable = true;
 
+constexpr Argument none{nullptr, nullptr};
 // The validator anchors the match at the start by itself.
-constexpr const char* moduleName = "[0-9A-Za-z]{1,16}$";
-constexpr const char* trueOrFalse = "^(?i)(true|false)$";
+constexpr Argument moduleName{"<module>", "[0-9A-Za-z]{1,16}$"};
+constexpr Argument trueOrFalse{"<enable>", "^(?i)(true|false)$"};
 
 // "monitor" reads as if it started monitoring; the engine's command of that name stops it.
+// clang-format off
 constexpr OptionRow optionTable[] = {
-    {"help", "h", "Display help information", noGroup, once, nullptr, nullptr,
-     &Quorlan::HandleHelpOption},
-    {"version", "v", "Display version information of this application", noGroup, once, nullptr,
-     nullptr, &Quorlan::HandleVersionOption},
-    {"colors", noShortName, "Use colors in the output", noGroup, once, nullptr, nullptr,
-     &Quorlan::HandleColorsOption},
-    {"update", noShortName, "Request modules update", noGroup, once, nullptr, nullptr,
-     &Quorlan::HandleSimpleCommand},
-    {"update-status", noShortName, "Return the status of the modules update", noGroup, once,
-     nullptr, nullptr, &Quorlan::HandleSimpleCommand},
-    {"debug", "d", "Enter debug mode (true, false)", commandGroup, once, "<enable>", trueOrFalse,
-     &Quorlan::HandleBooleanCommand},
-    {"start", "s", "Start a mirtaq module", commandGroup, repeatable, "<module>", moduleName,
-     &Quorlan::HandleModuleCommand},
-    {"stop", "p", "Stop a mirtaq module", commandGroup, repeatable, "<module>", moduleName,
-     &Quorlan::HandleModuleCommand},
-    {"restart", "r", "Restart a mirtaq module", commandGroup, repeatable, "<module>", moduleName,
-     &Quorlan::HandleModuleCommand},
-    {"reconfigure", "c", "Reconfigure a running mirtaq module model", commandGroup, repeatable,
-     "<module>", moduleName, &Quorlan::HandleModuleCommand},
-    {"list", "l", "List all known mirtaq services and modules", commandGroup, once, nullptr,
-     nullptr, &Quorlan::HandleListCommand},
-    {"status", "u", "Return the status of a mirtaq module", commandGroup, repeatable, "<module>",
-     moduleName, &Quorlan::HandleModuleCommand},
-    {"engine-status", "e", "Return the status of the Vantrel", commandGroup, repeatable, nullptr,
-     nullptr, &Quorlan::HandleEngineStatusCommand},
-    {"pid", "i", "Return the PID of a module", commandGroup, repeatable, "<module>", moduleName,
-     &Quorlan::HandleModuleCommand},
-    {"monitor", "m", "Stop heartbeat monitoring of a module", commandGroup, repeatable, "<module>",
-     moduleName, &Quorlan::HandleModuleCommand},
+    {"help", "h", "Display help information",
+     noGroup, once, none, &Quorlan::HandleHelpOption},
+    {"version", "v", "Display version information of this application",
+     noGroup, once, none, &Quorlan::HandleVersionOption},
+    {"colors", noShortName, "Use colors in the output",
+     noGroup, once, none, &Quorlan::HandleColorsOption},
+    {"update", noShortName, "Request modules update",
+     noGroup, once, none, &Quorlan::HandleSimpleCommand},
+    {"update-status", noShortName, "Return the status of the modules update",
+     noGroup, once, none, &Quorlan::HandleSimpleCommand},
+    {"debug", "d", "Enter debug mode (true, false)",
+     commandGroup, once, trueOrFalse, &Quorlan::HandleBooleanCommand},
+    {"start", "s", "Start a mirtaq module",
+     commandGroup, repeatable, moduleName, &Quorlan::HandleModuleCommand},
+    {"stop", "p", "Stop a mirtaq module",
+     commandGroup, repeatable, moduleName, &Quorlan::HandleModuleCommand},
+    {"restart", "r", "Restart a mirtaq module",
+     commandGroup, repeatable, moduleName, &Quorlan::HandleModuleCommand},
+    {"reconfigure", "c", "Reconfigure a running mirtaq module model",
+     commandGroup, repeatable, moduleName, &Quorlan::HandleModuleCommand},
+    {"list", "l", "List all known mirtaq services and modules",
+     commandGroup, once, none, &Quorlan::HandleListCommand},
+    {"status", "u", "Return the status of a mirtaq module",
+     commandGroup, repeatable, moduleName, &Quorlan::HandleModuleCommand},
+    {"engine-status", "e", "Return the status of the Vantrel",
+     commandGroup, repeatable, none, &Quorlan::HandleEngineStatusCommand},
+    {"pid", "i", "Return the PID of a module",
+     commandGroup, repeatable, moduleName, &Quorlan::HandleModuleCommand},
+    {"monitor", "m", "Stop heartbeat monitoring of a module",
+     commandGroup, repeatable, moduleName, &Quorlan::HandleModuleCommand},
 };
+// clang-format on
 
 } // namespace
 
@@ -82,9 +90,10 @@ void Quorlan::defineOptions(Poco::Util::OptionSet& options)
         option.repeatable(row.repeatable)
             .group(row.group)
             .callback(Poco::Util::OptionCallback<Quorlan>(this, row.handler));
-        if (row.argument != nullptr) {
-            option.argument(row.argument)
-                .validator(new Poco::Util::RegExpValidator(row.validator)); // option takes it over
+        if (row.argument.placeholder != nullptr) {
+            option.argument(row.argument.placeholder)
+                .validator(
+                    new Poco::Util::RegExpValidator(row.argument.pattern)); // owned by option
         }
         options.addOption(option);
     }

@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-/// The command-line tool. The handler of a command's option asks the engine, prints one report and
-/// leaves the outcome in exitCode. All of that happens inside init(), while POCO processes the
+/// The command-line tool. The handler of a command's option sends one request, prints one report
+/// and leaves the outcome in exitCode. All of that happens inside init(), while POCO processes the
 /// command line; main() only picks the exit status.
 ///
 /// Members are grouped by the file that defines them:
@@ -37,8 +37,7 @@ public:
     // app/Options.cpp
     void HandleColorsOption(const std::string& name, const std::string& value);
 
-    // app/Screens.cpp. Both handlers make POCO ignore every option that follows.
-    void displayHelp();
+    // app/Screens.cpp. Both make POCO ignore every option that follows.
     void HandleHelpOption(const std::string& name, const std::string& value);
     void HandleVersionOption(const std::string& name, const std::string& value);
 
@@ -56,18 +55,36 @@ public:
     // engine/Exchange.cpp
 
     /// Sends the request, gives the reply to handler, which prints the report, and only then
-    /// takes the reply's "resultCode" over as exitCode where it is not 0: a command that the
+    /// stores the reply's "resultCode" in exitCode where it is not 0: a command that the
     /// engine refused has its report printed too. Sets EXIT_UNAVAILABLE if SendRequest failed.
     void ExecuteRequest(const Poco::JSON::Object& request, const ReplyHandler& handler);
-
-    /// Parses a reply and gives its root object to reader. Any POCO exception, also one from
-    /// reader, ends as one line on standard error and EXIT_PROTOCOL in exitCode.
-    void ReadReply(const std::string& reply, const ReplyHandler& reader);
 
     // commands/ModuleCommands.cpp
     void HandleModuleCommand(const std::string& name, const std::string& value);
     void HandleBooleanCommand(const std::string& name, const std::string& value);
     void HandleSimpleCommand(const std::string& name, const std::string& value);
+
+    // commands/EngineStatus.cpp
+    void HandleEngineStatusCommand(const std::string& name, const std::string& value);
+
+    // commands/Listing.cpp
+    void HandleListCommand(const std::string& name, const std::string& value);
+
+protected:
+    // app/Options.cpp
+    void defineOptions(Poco::Util::OptionSet& options) override;
+
+private:
+    // app/Screens.cpp
+    void displayHelp();
+
+    // engine/Exchange.cpp
+
+    /// Parses a reply and gives its root object to handler. Any POCO exception, also one from
+    /// handler, ends as one line on standard error and EXIT_PROTOCOL in exitCode.
+    void ReadReply(const std::string& reply, const ReplyHandler& handler);
+
+    // commands/ModuleCommands.cpp
 
     /// Sends {command, key: value}, or the command alone where key is empty, and prints the
     /// reply's "description". A command that needs debug mode is not sent while the engine
@@ -76,26 +93,19 @@ public:
                        const std::string& value);
 
     // commands/EngineStatus.cpp
-    void HandleEngineStatusCommand(const std::string& name, const std::string& value);
 
-    /// Asks the engine. False also when it could not be asked or did not tell: that has then been
-    /// reported and exitCode is EXIT_PROTOCOL, for an unreachable engine too.
+    /// Asks the engine. Also false when the engine could not be reached or its reply has no usable
+    /// flag: that has then been reported and exitCode is EXIT_PROTOCOL in either case.
     bool IsDebugModeEnabled();
 
     // commands/Listing.cpp
-    void HandleListCommand(const std::string& name, const std::string& value);
 
     /// Prints one table and the empty line after it on standard output, cell by cell as the
     /// values are read. Throws Poco::NullPointerException for a null array or an entry that is
-    /// no object, and POCO's conversion errors for a value that is missing or of no use.
+    /// no object, and POCO's conversion errors for a value that is missing or cannot be converted.
     static void PrintModuleTable(const Poco::JSON::Array::Ptr& entries,
                                  const std::string& nameHeading);
 
-protected:
-    // app/Options.cpp
-    void defineOptions(Poco::Util::OptionSet& options) override;
-
-private:
     /// The process exit status. Set by ExecuteRequest, ReadReply and HandleListCommand, which
     /// never set it back to 0; read by main().
     int exitCode = 0;

@@ -10,8 +10,8 @@
 
 namespace {
 
-// POCO's application asks for the working directory while it is constructed and ends the program
-// where there is none: an update job may have removed the folder that it calls the tool from.
+// POCO's application reads the working directory in its constructor and aborts where there is none:
+// an update job may have removed the folder that it calls the tool from.
 void EnsureWorkingDirectory()
 {
     std::array<char, PATH_MAX> path; // NOLINT(*-member-init): written by getcwd

@@ -19,29 +19,28 @@ Field Column(std::string_view text)
     return {text, fieldWidth};
 }
 
-// Each label is written before its value is read, so that a reply without the value shows which
-// line it was missing for.
+// A label is written before its value is read: the place where a report stops shows which value
+// is missing.
+void PrintFlag(std::string_view label, const Poco::JSON::Object::Ptr& reply, const char* key,
+               Manipulator colorIfEnabled)
+{
+    std::cout << Column(label);
+    if (reply->getValue<bool>(key)) {
+        std::cout << colorIfEnabled << Column("enabled");
+    } else {
+        std::cout << Green << Column("disabled");
+    }
+    std::cout << Reset << std::endl;
+}
+
 void PrintStatus(const Poco::JSON::Object::Ptr& reply)
 {
     std::cout << Bold << "Vantrel status" << Reset << std::endl;
     std::cout << std::string(30, '-') << std::endl;
 
-    std::cout << Column("Safe mode: ");
-    if (reply->getValue<bool>("safeModeEnabled")) {
-        std::cout << Red << Column("enabled");
-    } else {
-        std::cout << Green << Column("disabled");
-    }
-    std::cout << Reset << std::endl;
-
-    // Yellow, not the red of safe mode: debug mode is somebody's choice, safe mode a fault.
-    std::cout << Column("Debug mode: ");
-    if (reply->getValue<bool>("debugModeEnabled")) {
-        std::cout << Yellow << Column("enabled");
-    } else {
-        std::cout << Green << Column("disabled");
-    }
-    std::cout << Reset << std::endl;
+    // Yellow, not red: debug mode is somebody's choice, safe mode a fault.
+    PrintFlag("Safe mode: ", reply, "safeModeEnabled", Red);
+    PrintFlag("Debug mode: ", reply, "debugModeEnabled", Yellow);
 
     std::cout << Column("State: ");
     const auto state = reply->getValue<std::string>("state");
@@ -66,8 +65,8 @@ void Quorlan::HandleEngineStatusCommand(const std::string& name, const std::stri
 
 bool Quorlan::IsDebugModeEnabled()
 {
-    // Whether the request could be sent is not asked: an unreachable engine leaves an empty reply,
-    // which ends as a reply that cannot be read. The "resultCode" has no say in the gate either.
+    // The result of SendRequest is ignored on purpose: an unreachable engine leaves an empty reply,
+    // which is then reported as unreadable. The "resultCode" has no say in the gate either.
     std::string reply;
     SendRequest(MakeRequest("engine-status"), reply);
     bool enabled = false;

@@ -15,8 +15,6 @@ constexpr int stateWidth = 15;
 constexpr int heartbeatWidth = 15;
 constexpr int versionWidth = 15;
 
-using Manipulator = std::ostream& (*)(std::ostream&);
-
 Manipulator StateColor(const std::string& state)
 {
     if (state == "running") {
@@ -33,7 +31,7 @@ void PrintHeading(std::string_view text, int width)
     std::cout << Bold << Field{text, width} << Reset;
 }
 
-// The column is shown as soon as one entry tells whether it is monitored; every entry must then.
+// One entry with the member is enough to show the column; then every entry must have it.
 bool HasHeartbeatColumn(const Poco::JSON::Array& entries)
 {
     for (unsigned int i = 0; i < entries.size(); ++i) {
@@ -70,7 +68,7 @@ void Quorlan::HandleListCommand(const std::string& /*name*/, const std::string& 
         return;
     }
     ReadReply(reply, [this](const Poco::JSON::Object::Ptr& list) {
-        // Looked at first, unlike in ExecuteRequest: a refused list has no tables to print.
+        // Checked first, unlike in ExecuteRequest: a refused list has no tables to print.
         const int resultCode = list->getValue<int>("resultCode");
         if (resultCode != 0) {
             std::cerr << list->getValue<std::string>("description") << std::endl;

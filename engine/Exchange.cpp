@@ -24,12 +24,12 @@ void Quorlan::ExecuteRequest(const Poco::JSON::Object& request, const ReplyHandl
     });
 }
 
-void Quorlan::ReadReply(const std::string& reply, const ReplyHandler& reader)
+void Quorlan::ReadReply(const std::string& reply, const ReplyHandler& handler)
 {
     try {
         Poco::JSON::Parser parser;
         // An exact extraction: a reply that is not an object is refused, not converted.
-        reader(parser.parse(reply).extract<Poco::JSON::Object::Ptr>());
+        handler(parser.parse(reply).extract<Poco::JSON::Object::Ptr>());
     } catch (const Poco::Exception& exception) {
         std::cerr << "Failed to parse reply due to " << exception.displayText() << std::endl;
         exitCode = EXIT_PROTOCOL;

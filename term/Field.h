@@ -4,8 +4,7 @@
 #include <ostream>
 #include <string_view>
 
-/// One column of a report: inserted into a stream, the text is followed by blanks up to width
-/// characters (bytes). A longer text is written whole.
+/// One column of a report: the text, then spaces up to width bytes. A longer text is written whole.
 struct Field
 {
     std::string_view text;

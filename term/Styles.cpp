@@ -31,7 +31,9 @@ std::ostream& Style(std::ostream& stream, const char* sequence)
 
 bool IsStylingActive(const std::ostream& stream)
 {
-    // Asked anew each time: a cached answer could outlive what the descriptor is attached to.
+    // Never cached: the descriptor may be attached to something else by the next style. The
+    // terminal is meant to be asked first, also in a run without colors; keep the order of the last
+    // two.
     std::FILE* const handle = StandardHandle(stream);
     return handle != nullptr && isatty(fileno(handle)) != 0 && useColors;
 }

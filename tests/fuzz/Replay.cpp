@@ -1,12 +1,13 @@
-// The entry of a target built without libFuzzer: runs every file of the folders given, once.
+// The main() of a target built without libFuzzer: runs every file of the given folders once.
 
-#include "tests/fuzz/Target.h"
-
+#include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <string>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 int main(int argc, char** argv)
 {
@@ -14,7 +15,7 @@ int main(int argc, char** argv)
     for (int i = 1; i < argc; ++i) {
         for (const auto& entry : std::filesystem::directory_iterator(argv[i])) {
             const std::string path = entry.path().string();
-            // Printed first and unbuffered, so that a finding is preceded by its file's name.
+            // Printed first and unbuffered: a finding ends the process.
             std::fprintf(stderr, "%s\n", path.c_str());
             std::ifstream file(path, std::ios::binary);
             const std::string input{std::istreambuf_iterator<char>(file), {}};

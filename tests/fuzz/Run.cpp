@@ -1,5 +1,5 @@
-// One run of the tool inside the fuzzing process: its streams are caught, its engine is a list of
-// replies, and whatever a run leaves behind in the process is put back before the next.
+// One run of the tool inside the fuzzing process. Its streams are captured, its engine is a list of
+// replies, and what a run changes in the process is reset before the next.
 
 #include "tests/fuzz/Run.h"
 
@@ -9,6 +9,8 @@
 #include <Poco/AutoPtr.h>
 #include <Poco/Exception.h>
 
+#include <cstdio>
+#include <cstdlib>
 #include <iostream>
 #include <sstream>
 
@@ -20,18 +22,18 @@ Replies repliesLeft;
 std::vector<std::string> requestsSeen;
 bool onTerminal = false;
 
-// A stream as a new process finds it, writing into a text.
-class CaughtStream
+// A standard stream in the state of a new process, writing into a string.
+class CapturedStream
 {
 public:
-    explicit CaughtStream(std::ostream& caught) : stream(caught), original(stream.rdbuf())
+    explicit CapturedStream(std::ostream& captured) : stream(captured), original(stream.rdbuf())
     {
         stream.copyfmt(std::ios(nullptr));
         stream.rdbuf(written.rdbuf()); // clears the stream's state, too
     }
-    ~CaughtStream() { stream.rdbuf(original); }
-    CaughtStream(const CaughtStream&) = delete;
-    CaughtStream& operator=(const CaughtStream&) = delete;
+    ~CapturedStream() { stream.rdbuf(original); }
+    CapturedStream(const CapturedStream&) = delete;
+    CapturedStream& operator=(const CapturedStream&) = delete;
 
     std::string Text() const { return written.str(); }
 
@@ -41,14 +43,13 @@ private:
     std::ostringstream written;
 };
 
-// What the process entry does.
-int Enter(const Words& words)
+// What main() does.
+int Enter(Arguments arguments)
 {
-    std::vector<std::string> copies(words);
     std::vector<char*> argv;
-    argv.reserve(copies.size());
-    for (std::string& word : copies) {
-        argv.push_back(word.data());
+    argv.reserve(arguments.size());
+    for (std::string& argument : arguments) {
+        argv.push_back(argument.data());
     }
     Poco::AutoPtr<Quorlan> quorlan(new Quorlan);
     try {
@@ -60,10 +61,20 @@ int Enter(const Words& words)
     return quorlan->run();
 }
 
+void Print(const char* title, const RunResult& run)
+{
+    std::fprintf(stderr, "--- %s: status %d\n", title, run.status);
+    for (const std::string& request : run.requests) {
+        std::fprintf(stderr, "request: %s\n", request.c_str());
+    }
+    std::fprintf(stderr, "standard output: %s\nstandard error: %s\n", run.out.c_str(),
+                 run.err.c_str());
+}
+
 } // namespace
 
-// Both definitions stand in for others: the linker takes the first it finds and asks neither the
-// archive for engine/Connection.cpp nor the C library for its isatty.
+// Both definitions replace others. The linker takes the first it finds: it uses neither
+// engine/Connection.cpp nor the C library's isatty.
 
 bool Quorlan::SendRequest(const Poco::JSON::Object& request, std::string& reply)
 {
@@ -84,28 +95,43 @@ extern "C" int isatty(int descriptor) noexcept
     return onTerminal && descriptor == STDOUT_FILENO ? 1 : 0;
 }
 
-Outcome Run(const Words& words, Replies replies)
+RunResult Run(const Arguments& arguments, Replies replies)
 {
     repliesLeft = std::move(replies);
     requestsSeen.clear();
     useColors = false;
 
-    Outcome outcome;
-    CaughtStream out(std::cout);
-    CaughtStream err(std::cerr);
-    CaughtStream log(std::clog);
-    outcome.status = Enter(words);
-    outcome.out = out.Text();
-    outcome.err = err.Text() + log.Text();
-    outcome.requests = requestsSeen;
-    return outcome;
+    const CapturedStream out(std::cout);
+    const CapturedStream err(std::cerr);
+    const CapturedStream log(std::clog);
+    const int status = Enter(arguments);
+    return {status, out.Text(), err.Text() + log.Text(), requestsSeen};
 }
 
-Outcome RunOnTerminal(Words words, const Replies& replies)
+RunResult RunOnTerminal(Arguments arguments, const Replies& replies)
 {
-    words.insert(words.begin() + 1, "--colors");
+    arguments.insert(arguments.begin() + 1, "--colors");
     onTerminal = true;
-    Outcome outcome = Run(words, replies);
+    RunResult result = Run(arguments, replies);
     onTerminal = false;
-    return outcome;
+    return result;
+}
+
+void Require(bool holds, const char* rule, const RunResult& run)
+{
+    if (!holds) {
+        std::fprintf(stderr, "broken: %s\n", rule);
+        Print("run", run);
+        std::abort();
+    }
+}
+
+void RequireSame(const char* title, const RunResult& actual, const RunResult& expected)
+{
+    if (actual.status != expected.status || actual.out != expected.out ||
+        actual.err != expected.err || actual.requests != expected.requests) {
+        Print("expected", expected);
+        Print(title, actual);
+        std::abort();
+    }
 }

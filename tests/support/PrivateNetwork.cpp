@@ -1,12 +1,11 @@
 #include "tests/support/PrivateNetwork.h"
 
 #include "tests/support/Descriptor.h"
-#include "tests/support/EngineAddress.h"
 
-#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <fstream>
+#include <string>
 
 #include <fcntl.h>
 #include <net/if.h>
@@ -54,8 +53,8 @@ void WaitForTurnOnRealLoopback()
     const char* const folder = std::getenv("TMPDIR");
     const std::string path =
         std::string(folder != nullptr ? folder : "/tmp") + "/quorlan-tests-engine-address.lock";
-    // Never closed: the lock ends with the process.
-    const int lock = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    // Never closed, and inherited: the lock ends with the last process that has it.
+    const int lock = open(path.c_str(), O_RDWR | O_CREAT, 0666);
     Require(lock >= 0 && flock(lock, LOCK_EX) == 0, path);
 }
 
@@ -69,16 +68,6 @@ void ClaimEngineAddress()
     } else {
         WaitForTurnOnRealLoopback();
     }
-}
-
-std::string WhyEngineAddressIsTaken()
-{
-    const Descriptor socket(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
-    if (TryListen(socket)) {
-        return "";
-    }
-    return std::string("127.0.0.1:7777 cannot be listened on (") + std::strerror(errno) +
-           "); \"ss -ltnp 'sport = :7777'\" tells who does";
 }
 
 void ShortenConnectTimeout()
