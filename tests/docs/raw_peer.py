@@ -9,6 +9,9 @@ import support
 
 ADDRESS = ("127.0.0.1", 7777)
 
+# How long the system may try to connect to an engine that accepts nobody.
+SYSTEM_PATIENCE = 200
+
 
 class Peer:
     """Gives each connection the next of its replies, as bytes, and keeps the requests as text.
