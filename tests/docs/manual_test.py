@@ -64,6 +64,8 @@ def effect_of_a_single_dash(name, *argument):
 
 
 class ManualPage(unittest.TestCase):
+    maxDiff = None
+
     def test_names_the_options_of_the_help_screen_and_no_others(self):
         help_screen = support.run([support.QUORLAN, "--help"]).stdout
         listed = re.findall(r"^(-[^\s,]+(?:, --\S+)?)", help_screen, re.M)
