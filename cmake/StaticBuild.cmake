@@ -1,18 +1,12 @@
-# One file that needs nothing of the system it runs on. Included after BuildOptions, whose target
-# it adds to; docs/device.md tells what each option here brought.
+# One file that needs nothing of the system it runs on. Included after BuildOptions, whose target it
+# adds to. docs/device.md says what each option here brings.
 
-option(QUORLAN_STATIC "Link everything statically, for the device" OFF)
-if(NOT QUORLAN_STATIC)
-  return()
-endif()
-
-set(CMAKE_AR "${CMAKE_CXX_COMPILER_AR}")
-set(CMAKE_RANLIB "${CMAKE_CXX_COMPILER_RANLIB}")
+include(CheckIPOSupported)
+check_ipo_supported()
+set(CMAKE_INTERPROCEDURAL_OPTIMIZATION ON)
 target_compile_options(quorlan-build-options INTERFACE -ffunction-sections -fdata-sections
-                                                       -flto=auto -fno-fat-lto-objects)
-target_compile_options(quorlan-build-options
-                       INTERFACE "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
-target_link_options(quorlan-build-options INTERFACE -flto=auto -Wl,--gc-sections -s)
+                                                       "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
+target_link_options(quorlan-build-options INTERFACE -Wl,--gc-sections -s)
 
 # Debian's C library for the device has no start-up code for a static program that is
 # position-independent.

@@ -2,64 +2,69 @@
 # shellcheck shell=bash
 
 # The names in the engine's tables that the tool takes as an argument. A name fills the first 25
-# columns; one too long for the tool is followed by fewer than 9 blanks. The engine is given one
-# second, as it may be silent for as long as it likes.
+# columns; nothing else of a row is looked at. The engine is given one second, as it may be silent
+# indefinitely.
 _quorlan_names()
 {
     local table
     table=$(timeout 1 quorlan --list 2>/dev/null </dev/null) || return 0
-    sed -n 's/^\([0-9A-Za-z]\{1,16\}\) \{9,24\}.*/\1/p' <<<"$table"
+    LC_ALL=C awk \
+        'substr($0, 1, 25) ~ /^[0-9A-Za-z]+ +$/ && length($1) <= 16 { print $1 }' <<<"$table"
 }
 
-# An unambiguous beginning of a long option stands for the option.
-_quorlan_full_name()
+# The options that a word can stand for: a long one may be cut short and be in capitals.
+_quorlan_options()
 {
-    local -a found
-    mapfile -t found < <(compgen -W "$2" -- "$1")
-    if [[ $1 == --?* && ${#found[@]} -eq 1 ]]; then
-        printf '%s' "${found[0]}"
-    else
-        printf '%s' "$1"
-    fi
+    case $1 in
+    --?*) compgen -W "$2" -- "${1,,}" ;;
+    -?*) printf '%s' "$1" ;;
+    esac
 }
 
 _quorlan()
 {
-    local long="--help --version --colors --update --update-status --debug --start --stop --restart
-        --reconfigure --list --status --engine-status --pid --monitor"
+    # Set by bash-completion, which completes redirections itself and leaves them out of words. cur
+    # is the current word up to the cursor, prev the one before it; --option=value is split in two.
+    # shellcheck disable=SC2034 # comp_args is only set
+    local cur prev words cword was_split comp_args
+    if declare -F _comp_initialize >/dev/null; then
+        _comp_initialize -s -- "$@" || return
+    else
+        local split
+        _init_completion -s || return
+        [[ $split == false ]] || was_split=yes
+    fi
+
     local others="-h -v --help --version --colors --update --update-status"
     local commands="-d -s -p -r -c -l -u -e -i -m --debug= --start= --stop= --restart=
         --reconfigure= --list --status= --engine-status --pid= --monitor="
+    local long="$others ${commands//=/}"
 
-    # What is being completed (cur), the option it may belong to, and the part of the current word
-    # that stands before it. "=" is a word of its own unless the user took it out of
-    # COMP_WORDBREAKS.
-    local cur=${COMP_WORDS[COMP_CWORD]} option=${COMP_WORDS[COMP_CWORD - 1]} attached=
-    case $cur in
-    =) cur= ;;
-    --*=*) option=${cur%%=*} attached=$option= cur=${cur#*=} ;;
-    -[!-]?*) option=${cur:0:2} attached=$option cur=${cur:2} ;;
-    *) [[ $option == = ]] && option=${COMP_WORDS[COMP_CWORD - 2]} ;;
-    esac
+    # An option ends the line, or is a command; a second command would be refused.
+    local word candidates="$others $commands"
+    for word in "${words[@]:1:cword-1}"; do
+        case $(_quorlan_options "${word%%[:=]*}" "$long") in
+        -- | -h* | -v* | --help | --version) return ;;
+        --colors | --update* | "") ;;
+        *) candidates=$others ;;
+        esac
+    done
 
-    local candidates
-    case $(_quorlan_full_name "$option" "$long") in
+    # The part of the word that stays as it is. The shell itself cuts off --option= unless the user
+    # took "=" out of COMP_WORDBREAKS.
+    local attached=
+    if [[ $was_split ]]; then
+        [[ $COMP_WORDBREAKS == *=* ]] || attached=$prev=
+    elif [[ $cur == -[!-]?* ]]; then
+        prev=${cur:0:2} attached=$prev cur=${cur:2}
+    fi
+
+    case $(_quorlan_options "$prev" "$long") in
     -d | --debug) candidates="true false" ;;
     -[sprcuim] | --start | --stop | --restart | --reconfigure | --status | --pid | --monitor)
         candidates=$(_quorlan_names)
         ;;
-    *)
-        # A second command would be refused.
-        candidates="$others $commands"
-        local word
-        for word in "${COMP_WORDS[@]:1:COMP_CWORD-1}"; do
-            case $word in
-            -[dsprclueim]*) candidates=$others ;;
-            --*) [[ $commands =~ "$word"=?([[:space:]]|$) ]] && candidates=$others ;;
-            esac
-        done
-        [[ -z $attached ]] || return 0
-        ;;
+    *) [[ ! $was_split && ! $attached ]] || return ;;
     esac
 
     mapfile -t COMPREPLY < <(compgen -P "$attached" -W "$candidates" -- "$cur")

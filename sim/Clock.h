@@ -7,7 +7,7 @@ namespace sim {
 
 using TimePoint = std::chrono::steady_clock::time_point;
 
-/// Tells the time. Tests pass one that they move by hand.
+/// Returns the time. Tests pass one that they move by hand.
 using Clock = std::function<TimePoint()>;
 
 } // namespace sim

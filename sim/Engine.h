@@ -11,8 +11,8 @@
 
 namespace sim {
 
-/// The engine's behaviour, without any network: a request object in, a reply object out. May be
-/// asked by many threads at once.
+/// The engine's behavior, without any network: a request object in, a reply object out. Many
+/// threads may call it at once.
 ///
 ///   Engine.cpp            which command is which, and those on the engine itself
 ///   ModuleCommands.cpp    the commands on one service or module
@@ -21,8 +21,8 @@ class Engine
 public:
     explicit Engine(State initial, Clock clock = std::chrono::steady_clock::now);
 
-    /// Carries the request out. One that cannot be carried out changes nothing and is answered
-    /// with a "resultCode" other than 0 and a "description" that says why.
+    /// Carries out the request. One that cannot be carried out changes nothing, and its reply has
+    /// a "resultCode" other than 0 and a "description" that says why.
     Poco::JSON::Object Answer(const Poco::JSON::Object& request);
 
 private:

@@ -1,4 +1,4 @@
-// What the simulator can do wrong on purpose. The table says it all; the steps are above it.
+// The faults of the simulator: a table, and above it the steps that it is made of.
 
 #include "sim/Faults.h"
 
@@ -56,7 +56,7 @@ std::string WithHugeList(const Poco::JSON::Object& reply)
         return text;
     }
     const std::size_t first = found + begin.size();
-    // Like the modules behind them: "monitored" is a member of all of a list or of none.
+    // Like the modules after them: "monitored" is in every entry of a list or in none.
     const bool watched = text[first] == ']' || text.compare(first, 13, "{\"monitored\":") == 0;
     const std::string entry = std::string(R"({"name":"huge","state":"running","version":"1.0.0")") +
                               (watched ? R"(,"monitored":true})" : "}");
@@ -73,28 +73,28 @@ std::string FirstHalf(const Poco::JSON::Object& reply)
     return text.substr(0, text.size() / 2);
 }
 
-void Send(Channel& channel, const std::string& text)
+void Send(ClientSocket& client, const std::string& text)
 {
-    channel.Send(text);
-    channel.Finish();
+    client.Send(text);
+    client.Finish();
 }
 
-void SendSlowly(Channel& channel, const std::string& text)
+void SendSlowly(ClientSocket& client, const std::string& text)
 {
-    channel.SendSlowly(text);
-    channel.Finish();
+    client.SendSlowly(text);
+    client.Finish();
 }
 
-void SendAndStay(Channel& channel, const std::string& text)
+void SendAndStay(ClientSocket& client, const std::string& text)
 {
-    channel.Send(text);
-    channel.WaitForClientToLeave();
+    client.Send(text);
+    client.WaitForClientToLeave();
 }
 
-void SendAndReset(Channel& channel, const std::string& text)
+void SendAndReset(ClientSocket& client, const std::string& text)
 {
-    channel.Send(text);
-    channel.ResetOnClose();
+    client.Send(text);
+    client.ResetOnClose();
 }
 
 } // namespace
@@ -119,11 +119,11 @@ const std::vector<Fault>& AllFaults()
          true, AskEngine, FirstHalf, Send},
         {"garbage", "replies with something that is not JSON",
          true, AskEngine, Garbage, Send},
-        {"wrong-type", "replies with a JSON array in place of the object",
+        {"wrong-type", "replies with a JSON array instead of an object",
          true, AskEngine, InAnArray, Send},
         {"no-result-code", "leaves \"resultCode\" out of the reply",
          true, AskEngine, WithoutResultCode, Send},
-        {"error-code", "refuses every request with a code and a sentence",
+        {"error-code", "refuses every request with a code and a description",
          true, Refuse, Compact, Send},
         {"huge", "answers \"list\" with many megabytes",
          true, AskEngine, WithHugeList, Send},

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sim/Channel.h"
+#include "sim/ClientSocket.h"
 #include "sim/Engine.h"
 
 #include <Poco/JSON/Object.h>
@@ -10,19 +10,19 @@
 
 namespace sim {
 
-/// A way to treat every connection. Each step is done as it should be, or wrongly on purpose.
+/// How every connection is served: in three steps, each of which may be wrong on purpose.
 struct Fault
 {
     const char* name;
     const char* help;
-    bool readsRequest; ///< False: answer and write are not used, and an empty text is sent.
+    bool readsRequest; ///< If false, answer and write are skipped and nothing is sent.
     Poco::JSON::Object (*answer)(Engine& engine, const Poco::JSON::Object& request);
     std::string (*write)(const Poco::JSON::Object& reply);
     /// Leaves the connection ready to be closed.
-    void (*send)(Channel& channel, const std::string& text);
+    void (*send)(ClientSocket& client, const std::string& text);
 };
 
-/// The treatment without any fault; its name is empty.
+/// Every step as it should be; its name is empty.
 const Fault& NoFault();
 
 const std::vector<Fault>& AllFaults();

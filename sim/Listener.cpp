@@ -12,8 +12,8 @@ namespace sim {
 
 namespace {
 
-/// POCO's own way to a reusable address also lets several processes listen at once, each getting
-/// some of the clients. This one only gets over the closed connections of the last run.
+/// Allows listening while connections of the last run still linger. POCO's own way to do so also
+/// allows several simulators to listen at once, each of which would get some of the clients.
 class ReusableSocketImpl: public Poco::Net::ServerSocketImpl
 {
 public:

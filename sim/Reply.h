@@ -6,8 +6,8 @@
 
 namespace sim {
 
-/// The "resultCode" of a reply. The client takes it as its exit status; they stay clear of 64 to
-/// 78, which the client uses for failures of its own.
+/// The "resultCode" of a reply. It becomes the exit status of the client, which uses 64 to 78 for
+/// its own failures.
 enum class ResultCode : int {
     Success = 0,
     BadRequest = 1,
@@ -20,7 +20,7 @@ enum class ResultCode : int {
 
 Poco::JSON::Object MakeReply(ResultCode code, const std::string& description);
 
-/// JSON without blanks and line breaks.
+/// JSON without spaces and line breaks.
 std::string Compact(const Poco::JSON::Object& object);
 
 } // namespace sim

@@ -13,13 +13,13 @@ namespace {
 constexpr std::chrono::seconds timeForRequest(5);
 constexpr std::size_t bufferSize = 4096;
 
-/// Takes what arrives until it makes one object. The result is what is wrong with it, or "".
-std::string Fill(RequestFrame& frame, Channel& channel)
+/// Reads until the frame holds one object. Returns what is wrong with the request, or "".
+std::string Fill(RequestFrame& frame, ClientSocket& client)
 {
     const Deadline deadline = std::chrono::steady_clock::now() + timeForRequest;
     char buffer[bufferSize];
     for (;;) {
-        const auto count = channel.Receive(buffer, bufferSize, deadline);
+        const auto count = client.Receive(buffer, bufferSize, deadline);
         if (!count) {
             return "The request was not complete within 5 seconds";
         }
@@ -52,12 +52,12 @@ void Parse(Request& request)
 
 } // namespace
 
-Request ReadRequest(Channel& channel)
+Request ReadRequest(ClientSocket& client)
 {
     RequestFrame frame;
     Request request;
     try {
-        request.problem = Fill(frame, channel);
+        request.problem = Fill(frame, client);
     } catch (const Poco::IOException&) {
         request.problem = "The connection broke before the request was complete";
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "sim/Channel.h"
+#include "sim/ClientSocket.h"
 
 #include <Poco/JSON/Object.h>
 
@@ -18,6 +18,6 @@ struct Request
 
 /// Reads one request. It is one if it is a JSON object of at most 64 KiB and complete within 5
 /// seconds.
-Request ReadRequest(Channel& channel);
+Request ReadRequest(ClientSocket& client);
 
 } // namespace sim

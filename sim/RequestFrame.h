@@ -7,7 +7,7 @@ namespace sim {
 
 /// Cuts one JSON object out of a byte stream. The client neither ends the request with anything
 /// nor closes its side, so the closing brace of the outermost object is the only sign of the end.
-/// Whether what stands between the braces is valid is left to the parser.
+/// The parser decides whether the text between the braces is valid.
 class RequestFrame
 {
 public:

@@ -1,6 +1,6 @@
 #include "sim/Simulator.h"
 
-#include "sim/Connection.h"
+#include "sim/ConnectionHandler.h"
 #include "sim/Engine.h"
 #include "sim/Faults.h"
 #include "sim/Listener.h"
@@ -13,12 +13,12 @@
 #include <Poco/Net/TCPServer.h>
 #include <Poco/Net/TCPServerParams.h>
 #include <Poco/ThreadPool.h>
-#include <Poco/Timespan.h>
 #include <Poco/Util/HelpFormatter.h>
 #include <Poco/Util/Option.h>
 #include <Poco/Util/OptionCallback.h>
 
 #include <csignal>
+#include <cstdlib>
 #include <iomanip>
 #include <iostream>
 
@@ -26,18 +26,18 @@ namespace sim {
 
 namespace {
 
-constexpr int maxConnections = 1024;      // as many more wait until one of these ends
-constexpr long idleMicroseconds = 100000; // a thread that waits for clients notices the end
+constexpr int maxConnections = 1024; // as many more wait until one of these ends
 
-/// To be called before there is any other thread: threads inherit it, and a signal that reached
-/// one of them would end the process then and there.
-void LeaveSignalsToTheWait()
+/// Blocks the signals that end the simulator, and returns them. Threads inherit this mask, so only
+/// the wait for the signals sees them if it is set before any thread starts.
+sigset_t BlockTerminationSignals()
 {
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGINT);
     sigaddset(&signals, SIGTERM);
     sigprocmask(SIG_BLOCK, &signals, nullptr);
+    return signals;
 }
 
 Poco::Net::TCPServerParams::Ptr ServerParams()
@@ -45,7 +45,6 @@ Poco::Net::TCPServerParams::Ptr ServerParams()
     Poco::Net::TCPServerParams::Ptr params = new Poco::Net::TCPServerParams;
     params->setMaxThreads(maxConnections);
     params->setMaxQueued(maxConnections);
-    params->setThreadIdleTime(Poco::Timespan(0, idleMicroseconds));
     return params;
 }
 
@@ -56,14 +55,13 @@ void Simulator::defineOptions(Poco::Util::OptionSet& options)
     using Poco::Util::Option;
     using Callback = Poco::Util::OptionCallback<Simulator>;
 
-    // Past ServerApplication, which would add the options of a daemon.
-    Application::defineOptions(options); // NOLINT(bugprone-parent-virtual-call)
+    Application::defineOptions(options);
     options.addOption(Option("help", "h", "Display help information")
                           .callback(Callback(this, &Simulator::HandleHelp)));
     options.addOption(Option("state", "s", "Read the services and modules from a JSON file")
                           .argument("<file>")
                           .callback(Callback(this, &Simulator::HandleState)));
-    options.addOption(Option("fault", "f", "Misbehave on purpose, in one of the ways below")
+    options.addOption(Option("fault", "f", "Inject one of the faults below")
                           .argument("<name>")
                           .callback(Callback(this, &Simulator::HandleFault)));
 }
@@ -95,7 +93,6 @@ int Simulator::main(const std::vector<std::string>& args)
             throw StartError(EXIT_USAGE, "unexpected argument \"" + args.front() + "\"");
         }
         Serve();
-        return EXIT_OK;
     } catch (const StartError& error) {
         Log(error.what());
         return error.status;
@@ -107,8 +104,8 @@ void Simulator::PrintHelp() const
     Poco::Util::HelpFormatter formatter(options());
     formatter.setCommand("vantrel-sim");
     formatter.setUsage("[--state=<file>] [--fault=<name>]");
-    formatter.setHeader("Stands in for the engine: answers the client on " +
-                        EngineAddress().toString() + " and shows every request on standard error.");
+    formatter.setHeader("Simulates the engine: answers clients on " + EngineAddress().toString() +
+                        " and logs every request to standard error.");
     formatter.format(std::cout);
 
     std::cout << "\nFaults, each applied to every connection:\n";
@@ -122,17 +119,17 @@ void Simulator::Serve()
 {
     const Fault& fault = faultName ? FindFault(*faultName) : NoFault();
     Engine engine(stateFile ? LoadState(*stateFile) : DefaultState());
-    LeaveSignalsToTheWait();
-    OpenConnections open;
+    const sigset_t signals = BlockTerminationSignals();
     Poco::ThreadPool threads(2, maxConnections);
-    Poco::Net::TCPServer server(new ConnectionFactory(engine, fault, open), threads, Listen(),
+    Poco::Net::TCPServer server(new ConnectionHandlerFactory(engine, fault), threads, Listen(),
                                 ServerParams());
     server.start();
     Log("listening on " + EngineAddress().toString());
-    waitForTerminationRequest();
-    server.stop();
-    open.EndAll();
-    threads.joinAll();
+    int signal = 0;
+    sigwait(&signals, &signal);
+    // A handler may be waiting for its client, for as long as the client likes. So no thread is
+    // joined and nothing that a thread may be using is destroyed; the kernel closes the sockets.
+    std::quick_exit(EXIT_OK);
 }
 
 int RunSimulator(int argc, char** argv)

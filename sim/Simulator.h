@@ -1,7 +1,7 @@
 #pragma once
 
+#include <Poco/Util/Application.h>
 #include <Poco/Util/OptionSet.h>
-#include <Poco/Util/ServerApplication.h>
 
 #include <optional>
 #include <string>
@@ -9,13 +9,9 @@
 
 namespace sim {
 
-/// The stand-in for the engine, as a program.
-class Simulator: public Poco::Util::ServerApplication
+/// The simulator of the engine, as a program.
+class Simulator: public Poco::Util::Application
 {
-public:
-    /// POCO keeps the one that runs after init() to itself.
-    using Poco::Util::ServerApplication::run;
-
 protected:
     void defineOptions(Poco::Util::OptionSet& options) override;
     int main(const std::vector<std::string>& args) override;
@@ -26,8 +22,8 @@ private:
     void HandleFault(const std::string& name, const std::string& value);
 
     void PrintHelp() const;
-    /// Serves until a signal ends it. Throws StartError.
-    void Serve();
+    /// Serves until SIGINT or SIGTERM, then ends the process. Throws StartError.
+    [[noreturn]] void Serve();
 
     bool helpRequested = false;
     std::optional<std::string> stateFile; // none: the default set

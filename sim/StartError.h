@@ -10,8 +10,7 @@ namespace sim {
 class StartError: public std::runtime_error
 {
 public:
-    StartError(int exitStatus, const std::string& message)
-        : std::runtime_error(message), status(exitStatus)
+    StartError(int status, const std::string& message) : std::runtime_error(message), status(status)
     {
     }
 

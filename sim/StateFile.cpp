@@ -1,5 +1,5 @@
-// States as JSON text. Strict about what it reads: a member that is silently ignored would leave
-// its author wondering why the simulator doesn't behave as written.
+// Strict about what it reads: after a mistake that is silently ignored, the author would wonder why
+// the simulator does not behave as written.
 
 #include "sim/StateFile.h"
 
@@ -47,7 +47,7 @@ std::vector<Module> ReadModules(const StrictObject& root, const std::string& key
         const StrictObject entry(array->get(i), root.PathOf(key) + "[" + std::to_string(i) + "]");
         modules.push_back(ReadModule(entry));
         if (modules.back().monitored.has_value() != modules.front().monitored.has_value()) {
-            entry.Fail(R"("monitored" must stand in every entry of ")" + key + "\" or in none");
+            entry.Fail(R"("monitored" must be in every entry of ")" + key + "\" or in none");
         }
     }
     return modules;

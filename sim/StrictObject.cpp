@@ -8,8 +8,7 @@
 
 namespace sim {
 
-StrictObject::StrictObject(const Poco::Dynamic::Var& json, std::string pathOfObject)
-    : path(std::move(pathOfObject))
+StrictObject::StrictObject(const Poco::Dynamic::Var& json, std::string path) : path(std::move(path))
 {
     if (json.isEmpty() || json.type() != typeid(Poco::JSON::Object::Ptr)) {
         Fail("not a JSON object");
@@ -34,7 +33,7 @@ std::string StrictObject::Text(const std::string& key) const
 {
     const Poco::Dynamic::Var member = Member(key);
     if (!member.isString() || member.extract<std::string>().empty()) {
-        Fail("\"" + key + "\" is not a string with at least one character");
+        Fail("\"" + key + "\" is not a non-empty string");
     }
     return member.extract<std::string>();
 }
@@ -61,7 +60,7 @@ void StrictObject::AllowOnly(const std::vector<std::string>& keys) const
 {
     for (const auto& member : *object) {
         if (std::find(keys.begin(), keys.end(), member.first) == keys.end()) {
-            Fail("\"" + Printable(member.first) + "\" is not known here");
+            Fail("unknown member \"" + Printable(member.first) + "\"");
         }
     }
 }

@@ -10,20 +10,20 @@
 
 namespace sim {
 
-/// A JSON object whose members are taken without any conversion. Whatever is not as expected
-/// throws Error with a text that says where in the file it is, such as
+/// A JSON object whose members are read without any conversion. Whatever is not as expected
+/// throws Error with a message that says where in the file it is, such as
 /// modules[2]: "state" is missing.
 class StrictObject
 {
 public:
     using Error = std::runtime_error;
 
-    /// The path says where the object stands; it is empty for the root.
+    /// The path says where in the file the object is; it is empty for the root.
     StrictObject(const Poco::Dynamic::Var& json, std::string path);
 
     bool Has(const std::string& key) const;
     Poco::Dynamic::Var Member(const std::string& key) const;
-    /// A string of at least one character.
+    /// A non-empty string.
     std::string Text(const std::string& key) const;
     bool Flag(const std::string& key) const;
     Poco::JSON::Array::Ptr Array(const std::string& key) const;

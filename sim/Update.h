@@ -14,7 +14,7 @@ class Update
 public:
     void Start(TimePoint now, std::size_t moduleCount);
     bool IsRunning(TimePoint now) const;
-    /// A sentence on how far the update is.
+    /// The progress, as a sentence.
     std::string Describe(TimePoint now) const;
 
 private:

@@ -18,16 +18,21 @@ import pyte
 import support
 
 TAB = "\t"
-CLEAR = "\x15\x0c"  # the line, then the screen
+CLEAR = "\x05\x15\x0c"  # from the end of the line back, then the screen
+LEFT = "\x02"
 PROMPT = "? "
 # Typed after a TAB, it shows up once the shell is done with completing.
 DONE = "~"
 
-# A table as the tool prints it, with names that it would refuse as an argument; the last two run
-# into the next column.
-TABLE_OF_ALL_KINDS = "".join(f"{name:25}{'running':15}{'1.0':15}\\n" for name in [
-    "SERVICE NAME", "disk", "not-a-name", "two words", "seventeenletters1", "x" * 25, "y" * 40,
-    "sixteenletters16"])
+# A table as the tool prints it, with names that it would refuse as an argument, and with names and
+# states that run into the next column.
+TABLE_OF_ALL_KINDS = "".join(f"{name:25}{state:15}{'1.0':15}\\n" for name, state in [
+    ("SERVICE NAME", "STATE"), ("disk", "running"), ("not-a-name", "running"),
+    ("two words", "running"), ("wide" + " " * 9 + "gap", "running"),
+    ("seventeenletters1", "running"), ("x" * 25, "running"), ("y" * 40, "running"),
+    ("$(touch executed)", "running"), ("`touch executed`", "running"),
+    ("fifteen", "f" * 15), ("thirty", "t" * 30), ("stateless", ""),
+    ("MODULE NAME", "STATE"), ("disk", "running"), ("sixteenletters16", "running")])
 
 
 class Shell:
@@ -75,12 +80,14 @@ class Shell:
         self.process.send(CLEAR)
         self.await_screen(lambda: self.shown() == PROMPT.strip(), "an empty prompt")
 
-    def completed(self, typed):
-        """The command line after TAB, and all that the screen shows."""
+    def completed(self, typed, behind=""):
+        """The command line after TAB at the end of what was typed, before what is behind it, and
+        all that the screen shows."""
         self.clear()
-        self.process.send(typed + TAB + DONE)
-        self.await_screen(lambda: self.line().endswith(DONE), "the end of completion")
-        return self.line()[len(PROMPT):-len(DONE)], self.shown()
+        self.process.send(typed + behind + LEFT * len(behind) + TAB + DONE)
+        self.await_screen(lambda: DONE in self.line() and
+                          self.line().endswith(behind.strip() or DONE), "the end of completion")
+        return self.line()[len(PROMPT):].removesuffix(DONE), self.shown()
 
     def offered(self, typed, last):
         """What the screen shows after TAB, from when it shows last."""
@@ -96,6 +103,9 @@ class Shell:
 
 class Completion:
     """The tests, the same for every shell."""
+
+    # What the shell says when there are no names to offer.
+    NO_NAMES = ""
 
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp())
@@ -123,9 +133,10 @@ class Completion:
                 return
         self.fail(f"{typed!r} became {line!r}, not {expected!r}; the screen:\n{shown}")
 
-    def assert_left_alone(self, typed):
+    def assert_left_alone(self, typed, message=""):
         line, shown = self.shell.completed(typed)
-        self.assertEqual((typed.strip(), PROMPT + typed + DONE), (line.strip(), shown))
+        expected = f"{PROMPT}{typed}{DONE}\n{message}".strip()
+        self.assertEqual((typed.strip(), expected), (line.strip(), shown))
 
     def test_offers_the_options_of_the_help_screen_and_no_others(self):
         shown = self.shell.offered("quorlan --", "--monitor")
@@ -150,7 +161,7 @@ class Completion:
             for typed in ["--start=va", "--start va", "-s va", "-sva", "--stop=va", "-p va",
                           "--restart=va", "-r va", "--reconfigure=va", "-cva", "--status=va",
                           "-u va", "--pid=va", "-i va", "--monitor=va", "-m va", "--mon va",
-                          "--colors --start=va"]:
+                          "--MONITOR va", "--colors --start=va", ">log --start va"]:
                 with self.subTest(typed):
                     self.assert_completes("quorlan " + typed, f"quorlan {typed}lve ")
 
@@ -170,52 +181,162 @@ class Completion:
         self.put_in_place_of_the_tool(f"printf '{TABLE_OF_ALL_KINDS}'\n")
         shown = self.shell.offered("quorlan --start=", "sixteenletters16")
         self.assertIn("disk", shown)
-        for part in ["SERVICE", "not", "two", "seventeen", "xxx", "yyy"]:
+        for part in ["NAME", "not", "two", "wide", "seventeen", "xxx", "yyy", "touch"]:
             self.assertNotIn(part, shown)
 
+    def test_offers_a_name_whatever_its_state_is(self):
+        self.put_in_place_of_the_tool(f"printf '{TABLE_OF_ALL_KINDS}'\n")
+        shown = self.shell.offered("quorlan --start=", "sixteenletters16")
+        for name in ["fifteen", "thirty", "stateless"]:
+            self.assertIn(name, shown)
+
+    def test_offers_a_service_and_a_module_of_one_name_once(self):
+        self.put_in_place_of_the_tool(f"printf '{TABLE_OF_ALL_KINDS}'\n")
+        shown = self.shell.offered("quorlan --start=", "sixteenletters16")
+        self.assertEqual(1, shown.count("disk"), shown)
+        self.assert_completes("quorlan --start=di", "quorlan --start=disk ")
+
+    def test_executes_no_name(self):
+        self.put_in_place_of_the_tool(f"printf '{TABLE_OF_ALL_KINDS}'\n")
+        self.shell.offered("quorlan --start=", "sixteenletters16")
+        self.assertFalse((self.folder / "executed").exists())
+
+    def test_completes_files_after_a_redirection_only(self):
+        (self.folder / "output.txt").touch()
+        for typed in ["--list >outp", "--list > outp", "--list >>outp", "--list 2>outp",
+                      "--list 2> outp", "<outp", "--help > outp"]:
+            with self.subTest(typed):
+                self.assert_completes("quorlan " + typed, f"quorlan {typed}ut.txt ")
+        self.assert_left_alone("quorlan --list outp")
+
+    def test_completes_in_the_middle_of_a_line(self):
+        for typed, word in [("--eng", "--engine-status"), ("--debug=t", "--debug=true"),
+                            ("-d f", "-d false")]:
+            with self.subTest(typed):
+                line, shown = self.shell.completed(f"quorlan {typed}", behind=" --colors")
+                # The shells differ in the spaces around the cursor.
+                self.assertEqual(f"quorlan {word} --colors".split(),
+                                 line.replace(DONE, " ").split(), shown)
+
     def test_offers_no_second_command(self):
-        for typed in ["--list ", "-l ", "--start=pump1 ", "-s pump1 "]:
+        for typed in ["--list ", "-l ", "--start=pump1 ", "--start:pump1 ", "-s pump1 ",
+                      "-spump1 ", "--lis ", "--LIST ", "--mon pump1 ", "--Mon=pump1 "]:
             with self.subTest(typed):
                 self.assert_left_alone(f"quorlan {typed}--sto")
                 self.assert_completes(f"quorlan {typed}--col", f"quorlan {typed}--colors ")
 
-    def test_stays_silent_without_an_engine(self):
+    def test_offers_a_command_after_what_is_none(self):
+        for typed in ["--colors ", "--COL ", "--update ", "--update-status "]:
+            with self.subTest(typed):
+                line, shown = self.shell.completed(f"quorlan {typed}--eng")
+                self.assertEqual(f"quorlan {typed}--engine-status ", line, shown)
+
+    def test_offers_no_option_for_a_value(self):
+        for typed in ["--list=--sto", "--colors=--sto", "--nonsense=--sto", "--debug=--sto"]:
+            with self.subTest(typed):
+                self.assert_left_alone("quorlan " + typed)
+
+    def test_offers_nothing_where_the_tool_ignores_the_rest(self):
+        for end in ["--help", "--hel", "--HELP", "-h", "--version", "-v", "--"]:
+            for typed in ["--col", "--sto", "--debug=t", "--deb t"]:
+                with self.subTest(end=end, typed=typed):
+                    self.assert_left_alone(f"quorlan {end} {typed}")
+
+    def test_offers_no_name_without_an_engine(self):
         self.assert_offers_no_name_but_the_options()
 
-    def test_stays_silent_beside_an_engine_that_is_silent(self):
+    def test_offers_no_name_of_an_engine_that_is_silent(self):
         with support.Engine("--fault=silent"):
             self.assert_offers_no_name_but_the_options()
 
-    def test_stays_silent_beside_an_engine_that_sends_garbage(self):
+    def test_offers_no_name_of_an_engine_that_sends_garbage(self):
         with support.Engine("--fault=garbage"):
             self.assert_offers_no_name_but_the_options()
 
-    def test_stays_silent_beside_an_engine_that_refuses(self):
+    def test_offers_no_name_of_an_engine_that_refuses(self):
         with support.Engine("--fault=error-code"):
             self.assert_offers_no_name_but_the_options()
 
     def test_takes_no_name_from_a_list_that_failed(self):
         self.put_in_place_of_the_tool(f"printf '{TABLE_OF_ALL_KINDS}'\nexit 76\n")
-        self.assert_left_alone("quorlan --start=di")
+        self.assert_left_alone("quorlan --start=di", self.NO_NAMES)
 
     def test_comes_back_from_a_tool_that_never_ends(self):
         self.put_in_place_of_the_tool("exec sleep infinity\n")
-        self.assert_left_alone("quorlan --start=di")
+        self.assert_left_alone("quorlan --start=di", self.NO_NAMES)
 
     def assert_offers_no_name_but_the_options(self):
-        self.assert_left_alone("quorlan --start=va")
+        self.assert_left_alone("quorlan --start=va", self.NO_NAMES)
         self.assert_completes("quorlan --eng", "quorlan --engine-status ")
+
+    def test_is_installed_where_the_shell_looks(self):
+        for option, file in [("-DCMAKE_INSTALL_PREFIX=/usr", "usr/share/" + self.FILE),
+                             ("-DCMAKE_INSTALL_DATADIR=/data", "data/" + self.FILE)]:
+            with self.subTest(option):
+                self.assertIn(file, self.installed_with(option))
+
+    def installed_with(self, option):
+        """What a build that is configured with the option installs of the completions."""
+        source = self.folder / "source"
+        source.mkdir(exist_ok=True)
+        (source / "CMakeLists.txt").write_text(
+            "cmake_minimum_required(VERSION 3.20)\n"
+            "project(trial LANGUAGES NONE)\n"
+            "set(CMAKE_INSTALL_LIBDIR lib)\n"
+            "include(GNUInstallDirs)\n"
+            f'add_subdirectory("{support.SOURCE}/completions" completions)\n')
+        with tempfile.TemporaryDirectory() as build, tempfile.TemporaryDirectory() as root:
+            for command in [["-G", "Ninja", "-S", source, "-B", build, option],
+                            ["--install", build]]:
+                done = support.run(["cmake", *command], env={**os.environ, "DESTDIR": root})
+                self.assertEqual(0, done.returncode, done.stdout + done.stderr)
+            return [str(path.relative_to(root)) for path in pathlib.Path(root).rglob("*")
+                    if path.is_file()]
 
 
 class Bash(Completion, unittest.TestCase):
+    FILE = "bash-completion/completions/quorlan"
+
     @staticmethod
     def make_shell(folder):
         shell = Shell(["bash", "--norc", "--noprofile", "-i"], folder)
         shell.start(f"PS1='{PROMPT}'", "source /usr/share/bash-completion/bash_completion")
         return shell
 
+    def test_completes_the_part_of_a_word_before_the_cursor(self):
+        line, shown = self.shell.completed("quorlan --mon", behind="valve")
+        self.assertEqual(f"quorlan --monitor={DONE}valve", line, shown)
+
+    def test_completes_where_the_user_has_words_broken_at_spaces_only(self):
+        self.shell.start("COMP_WORDBREAKS=${COMP_WORDBREAKS//[:=]}")
+        for typed, expected in [("--debug=t", "--debug=true "), ("--deb=t", "--deb=true "),
+                                ("--debug t", "--debug true "), ("--sto", "--stop="),
+                                ("--start=pump1 --sto", "--start=pump1 --sto"),
+                                ("--start:pump1 --sto", "--start:pump1 --sto"),
+                                ("--start=pump1 --col", "--start=pump1 --colors ")]:
+            with self.subTest(typed):
+                line, shown = self.shell.completed(f"quorlan {typed}")
+                self.assertEqual(f"quorlan {expected}", line, shown)
+
+    def test_goes_through_the_newer_function_of_bash_completion_where_there_is_one(self):
+        # As from 2.12 on: another name, and another variable for what was split at "=".
+        (self.folder / "newer").write_text(
+            'eval "older() $(declare -f _init_completion | tail -n +2)"\n'
+            "unset -f _init_completion\n"
+            "_comp_initialize() { local split; older -s && was_split=${split/false/}; }\n")
+        self.shell.start("type _comp_initialize >/dev/null 2>&1 || source ./newer")
+        for typed, expected in [("--debug=t", "--debug=true "), ("--debug t", "--debug true "),
+                                ("--list --col", "--list --colors "),
+                                ("--help --col", "--help --col")]:
+            with self.subTest(typed):
+                line, shown = self.shell.completed(f"quorlan {typed}")
+                self.assertEqual(f"quorlan {expected}", line, shown)
+
 
 class Zsh(Completion, unittest.TestCase):
+    FILE = "zsh/site-functions/_quorlan"
+    NO_NAMES = "no names from the engine"
+
     @classmethod
     def setUpClass(cls):
         # Looking through all the functions of zsh takes it longer than a test.
@@ -230,8 +351,24 @@ class Zsh(Completion, unittest.TestCase):
                     f"autoload -Uz compinit; compinit -u -d {cls.dump.name}/zcompdump")
         return shell
 
+    def test_takes_the_names_from_the_command_of_the_users_style(self):
+        (self.folder / "table").write_text(f"{'disk':25}{'running':15}{'1.0':15}\n")
+        self.shell.start("zstyle ':completion:*:modules' command cat table")
+        self.assert_completes("quorlan --start=di", "quorlan --start=disk ")
+
+    def test_says_nothing_where_the_engine_answers_with_other_names(self):
+        self.shell.start("zstyle ':completion:*:modules' command echo")
+        self.assert_left_alone("quorlan --start=di")
+
+    def test_is_installed_where_the_packager_wants_it(self):
+        folder = "share/zsh/vendor-completions"
+        self.assertIn(f"usr/local/{folder}/_quorlan",
+                      self.installed_with(f"-DQUORLAN_ZSH_COMPLETIONS_DIR={folder}"))
+
 
 class Fish(Completion, unittest.TestCase):
+    FILE = "fish/vendor_completions.d/quorlan.fish"
+
     @staticmethod
     def make_shell(folder):
         # Its absence would make fish read every manual page of the machine.

@@ -160,6 +160,18 @@ TEST(SimUpdate, IsRefusedWhileAnotherLastsAndAllowedAfterwards)
               "Update in progress: 0 of 6 modules done");
 }
 
+TEST(SimUpdate, OfNoModulesIsFinishedAtOnce)
+{
+    TestEngine engine(sim::State{});
+
+    engine.Answer(R"({"command":"update"})");
+
+    EXPECT_EQ(engine.Description(R"({"command":"update-status"})"),
+              "Update finished: 0 of 0 modules done");
+    EXPECT_EQ(engine.Answer(R"({"command":"update"})"),
+              R"({"description":"Update started","resultCode":0})");
+}
+
 TEST(SimEngine, AnswersOneRequestAfterTheOther)
 {
     std::atomic<bool> answering(false);

@@ -12,7 +12,7 @@
 
 namespace {
 
-/// What a connection with the fault would say to a request, and what the engine is left with.
+/// What a connection with the fault would send, and what becomes of the engine.
 class SimFault: public testing::Test
 {
 protected:
@@ -21,8 +21,8 @@ protected:
         Poco::JSON::Object request;
         request.set("command", command);
         request.set("boolean", "true");
-        const sim::Fault& treatment = fault.empty() ? sim::NoFault() : sim::FindFault(fault);
-        return treatment.write(treatment.answer(engine, request));
+        const sim::Fault& found = fault.empty() ? sim::NoFault() : sim::FindFault(fault);
+        return found.write(found.answer(engine, request));
     }
 
     sim::Engine engine{sim::DefaultState()};
@@ -107,7 +107,7 @@ TEST_F(SimFault, HugeNeedsNoModulesOfTheEngine)
         << "ends with " << text.substr(text.size() - 1000);
 }
 
-TEST_F(SimFault, HugeTellsOfNoMonitoringWhereTheOtherModulesDoNot)
+TEST_F(SimFault, HugeAddsNoHeartbeatWhereTheOtherModulesHaveNone)
 {
     Poco::JSON::Array::Ptr modules = new Poco::JSON::Array;
     Poco::JSON::Object module;
@@ -134,6 +134,13 @@ TEST(SimFaults, AreFoundByTheirNameAndHaveAHelpOfOneLine)
         EXPECT_EQ(&sim::FindFault(fault.name), &fault) << fault.name;
         EXPECT_NE(std::string(fault.help), "") << fault.name;
         EXPECT_EQ(std::string(fault.help).find('\n'), std::string::npos) << fault.name;
+    }
+}
+
+TEST(SimFaults, OfTheReplyAreSentLikeAnyReply)
+{
+    for (const char* name : {"garbage", "wrong-type", "no-result-code", "error-code", "huge"}) {
+        EXPECT_EQ(sim::FindFault(name).send, sim::NoFault().send) << name;
     }
 }
 

@@ -107,6 +107,19 @@ TEST_F(SimModule, StaysStoppedWhenStoppedDuringItsReconfiguration)
               R"({"description":"pump1 is stopped","resultCode":0})");
 }
 
+TEST_F(SimModule, StaysReconfiguringWithoutACommandThatStartedIt)
+{
+    sim::State state;
+    state.modules.resize(1);
+    state.modules[0].name = "m1";
+    state.modules[0].state = "reconfiguring";
+    TestEngine reconfiguring(state);
+    reconfiguring.Pass(std::chrono::seconds(10));
+
+    EXPECT_EQ(reconfiguring.Command("status", "m1"),
+              R"({"description":"m1 is reconfiguring","resultCode":0})");
+}
+
 TEST_F(SimModule, IsNotReconfiguredWhenItDoesNotRun)
 {
     EXPECT_EQ(
@@ -134,7 +147,7 @@ TEST_F(SimModule, RefusesMonitorWhereNothingIsMonitored)
     EXPECT_EQ(engine.Row("storage"), R"({"name":"storage","state":"running","version":"4.2.0"})");
 }
 
-TEST_F(SimModule, TellsItsPidAsABareNumber)
+TEST_F(SimModule, ReportsItsPidAsABareNumber)
 {
     EXPECT_EQ(engine.Command("pid", "storage"), R"({"description":"1001","resultCode":0})");
     EXPECT_EQ(engine.Command("pid", "pump1"), R"({"description":"1004","resultCode":0})");
@@ -144,6 +157,14 @@ TEST_F(SimModule, HasNoPidWithoutAProcess)
 {
     EXPECT_EQ(engine.Command("pid", "scale"),
               R"({"description":"scale has no process: its state is \"failed\"","resultCode":4})");
+}
+
+TEST_F(SimModule, ReportsThatItIsNotMonitored)
+{
+    EXPECT_EQ(engine.Command("status", "scale"),
+              R"({"description":"scale is failed, not monitored","resultCode":0})");
+    EXPECT_EQ(engine.Command("status", "storage"),
+              R"({"description":"storage is running","resultCode":0})");
 }
 
 TEST_F(SimModule, MayBeAService)

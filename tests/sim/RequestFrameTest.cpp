@@ -64,12 +64,12 @@ TEST(RequestFrame, EndsAtTheClosingBrace)
     ExpectComplete(R"({"command":"list"})");
 }
 
-TEST(RequestFrame, MayBeEmptyObject)
+TEST(RequestFrame, MayBeAnEmptyObject)
 {
     ExpectComplete("{}");
 }
 
-TEST(RequestFrame, GoesOnBehindTheEndOfAnInnerObject)
+TEST(RequestFrame, GoesOnAfterTheEndOfAnInnerObject)
 {
     ExpectComplete(R"({"a":{"b":{}},"c":[{"d":1}]})");
 }
@@ -79,17 +79,17 @@ TEST(RequestFrame, TakesABraceInAStringAsText)
     ExpectComplete(R"({"a":"}{}}"})");
 }
 
-TEST(RequestFrame, TakesAQuoteBehindABackslashAsText)
+TEST(RequestFrame, TakesAQuoteAfterABackslashAsText)
 {
     ExpectComplete(R"({"a":"\"}"})");
 }
 
-TEST(RequestFrame, EndsAStringBehindTwoBackslashes)
+TEST(RequestFrame, EndsAStringAfterTwoBackslashes)
 {
     ExpectComplete(R"({"a":"\\"})");
 }
 
-TEST(RequestFrame, MayBeginWithBlanks)
+TEST(RequestFrame, MayBeginWithSpaces)
 {
     ExpectComplete(" \r\n\t{\"command\":\"list\"}");
 }
@@ -127,7 +127,7 @@ TEST(RequestFrame, RefusesOneByteMore)
     EXPECT_EQ(TakeWhole(object), expected);
 }
 
-TEST(RequestFrame, IsTooLongWithBlanksAlone)
+TEST(RequestFrame, IsTooLongWithSpacesAlone)
 {
     EXPECT_EQ(TakeWhole(std::string(65537, ' ')).progress, Progress::TooLong);
 }

@@ -76,7 +76,7 @@ TEST(SimState, MayBeWithoutAnythingToSupervise)
     EXPECT_EQ(ErrorOfModules("[]"), "no error");
 }
 
-TEST(SimState, ByDefaultShowsEveryColourOfTheListing)
+TEST(SimState, ByDefaultShowsEveryColorOfTheListing)
 {
     std::set<std::string> states;
     std::set<bool> monitored;
@@ -86,9 +86,9 @@ TEST(SimState, ByDefaultShowsEveryColourOfTheListing)
         monitored.insert(module.monitored.value());
     }
 
-    const std::set<std::string> allColours = {"failed", "running", "starting", "stopped",
-                                              "terminated"};
-    EXPECT_EQ(states, allColours);
+    const std::set<std::string> allStates = {"failed", "running", "starting", "stopped",
+                                             "terminated"};
+    EXPECT_EQ(states, allStates);
     EXPECT_EQ(monitored.size(), 2U);
 }
 
@@ -108,6 +108,12 @@ TEST(SimState, FromADirectoryIsRefused)
 {
     EXPECT_EQ(ErrorOf([] { sim::LoadState("/"); }),
               Error(noInput, "/: cannot be read: Is a directory"));
+}
+
+TEST(SimState, FromAFileThatDoesNotEndIsRefused)
+{
+    EXPECT_EQ(ErrorOf([] { sim::LoadState("/dev/zero"); }),
+              Error(dataError, "/dev/zero: longer than 1 MiB"));
 }
 
 TEST(SimState, ThatIsNotJsonIsRefused)
@@ -142,11 +148,9 @@ TEST(SimState, NamesTheMemberOfTheWrongType)
     EXPECT_EQ(ErrorOfModules("{}"), Error(dataError, "my.json: \"modules\" is not an array"));
     EXPECT_EQ(ErrorOfModules("[7]"), Error(dataError, "my.json: modules[0]: not a JSON object"));
     EXPECT_EQ(ErrorOfModules(R"([{"name": "m1", "state": 3, "version": "1"}])"),
-              Error(dataError,
-                    "my.json: modules[0]: \"state\" is not a string with at least one character"));
+              Error(dataError, "my.json: modules[0]: \"state\" is not a non-empty string"));
     EXPECT_EQ(ErrorOfModules(R"([{"name": "m1", "state": "", "version": "1"}])"),
-              Error(dataError,
-                    "my.json: modules[0]: \"state\" is not a string with at least one character"));
+              Error(dataError, "my.json: modules[0]: \"state\" is not a non-empty string"));
     EXPECT_EQ(ErrorOfEngine(R"({"state": "running", "version": "1", "safeModeEnabled": "no"})"),
               Error(dataError, "my.json: engine: \"safeModeEnabled\" is neither true nor false"));
 }
@@ -155,7 +159,9 @@ TEST(SimState, NamesTheMemberThatItDoesNotKnow)
 {
     EXPECT_EQ(
         ErrorOfModules(R"([{"name": "m1", "state": "running", "version": "1", "monitord": true}])"),
-        Error(dataError, "my.json: modules[0]: \"monitord\" is not known here"));
+        Error(dataError, "my.json: modules[0]: unknown member \"monitord\""));
+    EXPECT_EQ(ErrorOfReading(R"({"a\nb": {}})"),
+              Error(dataError, "my.json: unknown member \"a?b\""));
 }
 
 TEST(SimState, RefusesANameThatTheClientCannotSend)
@@ -177,6 +183,6 @@ TEST(SimState, WantsMonitoredInEveryEntryOfATableOrInNone)
     EXPECT_EQ(ErrorOfModules(R"([{"name": "m1", "state": "running", "version": "1"},
                                  {"name": "m2", "state": "running", "version": "1",
                                   "monitored": true}])"),
-              Error(dataError, "my.json: modules[1]: \"monitored\" must stand in every entry of "
+              Error(dataError, "my.json: modules[1]: \"monitored\" must be in every entry of "
                                "\"modules\" or in none"));
 }

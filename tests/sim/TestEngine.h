@@ -12,7 +12,7 @@
 #include <string>
 #include <utility>
 
-/// The simulated engine with requests and replies as text, and a clock that the test moves.
+/// An engine whose requests and replies are texts and whose clock the test moves.
 class TestEngine
 {
 public:
@@ -34,7 +34,7 @@ public:
         return AnswerObject(request).getValue<std::string>("description");
     }
 
-    /// The row of a service or module in the listing, as compact JSON; empty if there is none.
+    /// The entry of a service or module in the list, as compact JSON; empty if there is none.
     std::string Row(const std::string& name)
     {
         const Poco::JSON::Object::Ptr list = Parsed(Answer(R"({"command":"list"})"));

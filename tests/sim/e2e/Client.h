@@ -19,8 +19,8 @@ struct Answer
 };
 void PrintTo(const Answer& answer, std::ostream* stream);
 
-/// A connection to the simulator whose every byte is the test's. Failures of the connection after
-/// connecting are not thrown: they show in the answer.
+/// A client that sends what the test says. Once it is connected, failures of the connection are not
+/// thrown but are part of the answer.
 class Client
 {
 public:
@@ -46,11 +46,11 @@ public:
 
 private:
     Descriptor socket;
-    bool broken = false; // seen by a send, after which a receive does not tell of it any more
+    bool broken = false; // seen by a send; a receive no longer reports it then
 };
 
 /// A whole conversation: sends the request and waits for the end of the answer.
 Answer Ask(std::string_view request);
 
-/// The answer that closes after a refusal; the description as it stands in the JSON.
+/// The answer of a refusal; the description as it is in the JSON.
 Answer Refusal(int resultCode, const std::string& description);

@@ -22,7 +22,7 @@ std::string NameOfSignal(const testing::TestParamInfo<int>& info)
     return info.param == SIGINT ? "Interrupt" : "Termination";
 }
 
-/// What a client that has asked a simulator with a fault still gets when that is ended.
+/// What the client of a simulator with a fault receives when the simulator is ended.
 Answer AnswerAtTheEnd(const std::string& fault, int signal)
 {
     Simulator simulator({"--fault=" + fault});
@@ -82,7 +82,7 @@ TEST_P(SimulatorEnd, DoesNotWaitForItsState)
     Descriptor writer(open(file.Path().c_str(), O_WRONLY | O_CLOEXEC)); // waits for the reader
 
     kill(process, GetParam());
-    writer.Close(); // the end of the state, for one that did not mind the signal
+    writer.Close(); // the end of the state, for one that ignored the signal
 
     Outcome outcome;
     Finish(process, out, err, outcome);

@@ -20,7 +20,7 @@ Simulator::Simulator(const std::vector<std::string>& arguments)
     : process(Spawn(CommandLine(arguments), out, err))
 {
     out.writer.Close();
-    err.writer.Close(); // or the end of one that does not start would never be seen
+    err.writer.Close(); // so that the end of one that does not start is seen
     AwaitLog(listening);
 }
 
@@ -39,7 +39,7 @@ void Simulator::AwaitLog(const std::string& text)
 
 Outcome Simulator::End(int signal)
 {
-    kill(process, signal); // finds one that ended, too: nobody has waited for it yet
+    kill(process, signal); // safe after its end, too: nobody has waited for it yet
     Finish(process, out, err, outcome);
     process = 0;
     return outcome;

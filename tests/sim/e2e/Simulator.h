@@ -12,16 +12,16 @@ class Simulator
 public:
     /// Starts it and waits until it listens, or has ended because it does not start.
     explicit Simulator(const std::vector<std::string>& arguments = {});
-    /// Ends it, unless the test did; it has to end well.
+    /// Ends it, unless the test did, and expects exit status 0.
     ~Simulator();
     Simulator(const Simulator&) = delete;
     Simulator& operator=(const Simulator&) = delete;
 
-    /// Waits until the text stands in the log. What was logged is read here and in End() alone, so
-    /// between the two a test must not make more lines than fit into a pipe (64 KiB).
+    /// Waits until the text is in the log. The log is read only here and in End(), so that between
+    /// the two a test must not cause more lines than fit into a pipe (64 KiB).
     void AwaitLog(const std::string& text);
 
-    /// Sends the signal, unless the simulator has ended by itself, and waits for the end.
+    /// Sends the signal, unless the simulator has already ended, and waits for its end.
     Outcome End(int signal = SIGTERM);
 
 private:
@@ -31,11 +31,11 @@ private:
     Outcome outcome;
 };
 
-/// The line of the log on one connection; what is not fit for a line as the log shows it.
+/// The line of the log on one connection, with both texts as the log shows them.
 std::string LogLine(const std::string& request, const std::string& reply);
 
-/// What a simulator that served, ended by a signal, leaves behind after this log.
+/// The outcome of a simulator that served, with this log, and was ended by a signal.
 Outcome Served(const std::string& log);
 
-/// What one that does not start leaves behind.
+/// The outcome of one that does not start.
 Outcome Refused(int status, const std::string& line);

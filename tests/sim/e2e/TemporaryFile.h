@@ -7,7 +7,7 @@
 #include <fstream>
 #include <string>
 
-/// A file with a text in it that goes with the test.
+/// A file with this text, removed at the end of the test.
 class TemporaryFile
 {
 public:

@@ -2,7 +2,6 @@
 
 #include "sim/Engine.h"
 #include "sim/Faults.h"
-#include "sim/OpenConnections.h"
 #include "sim/Request.h"
 
 #include <Poco/JSON/Object.h>
@@ -13,12 +12,12 @@
 
 namespace sim {
 
-/// Serves one client: one request, one reply, one line in the log. Outlived by all it is given.
-class Connection: public Poco::Net::TCPServerConnection
+/// Serves one client: one request, one reply, one line in the log. The engine and the fault must
+/// outlive it.
+class ConnectionHandler: public Poco::Net::TCPServerConnection
 {
 public:
-    Connection(const Poco::Net::StreamSocket& socket, Engine& simulated, const Fault& treatment,
-               OpenConnections& openConnections);
+    ConnectionHandler(const Poco::Net::StreamSocket& socket, Engine& engine, const Fault& fault);
 
     void run() override;
 
@@ -28,13 +27,12 @@ private:
 
     Engine& engine;
     const Fault& fault;
-    OpenConnections& open;
 };
 
-class ConnectionFactory: public Poco::Net::TCPServerConnectionFactory
+class ConnectionHandlerFactory: public Poco::Net::TCPServerConnectionFactory
 {
 public:
-    ConnectionFactory(Engine& simulated, const Fault& treatment, OpenConnections& openConnections);
+    ConnectionHandlerFactory(Engine& engine, const Fault& fault);
 
     Poco::Net::TCPServerConnection*
     createConnection(const Poco::Net::StreamSocket& socket) override;
@@ -42,7 +40,6 @@ public:
 private:
     Engine& engine;
     const Fault& fault;
-    OpenConnections& open;
 };
 
 } // namespace sim

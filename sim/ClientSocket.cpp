@@ -1,7 +1,9 @@
-#include "sim/Channel.h"
+#include "sim/ClientSocket.h"
 
 #include <Poco/Net/Socket.h>
 #include <Poco/Timespan.h>
+
+#include <thread>
 
 namespace sim {
 
@@ -20,18 +22,9 @@ Poco::Timespan TimeLeft(Deadline deadline)
 
 } // namespace
 
-Channel::Channel(const Poco::Net::StreamSocket& connected, OpenConnections& openConnections)
-    : socket(connected), open(openConnections)
-{
-    open.Add(socket);
-}
+ClientSocket::ClientSocket(const Poco::Net::StreamSocket& socket) : socket(socket) {}
 
-Channel::~Channel()
-{
-    open.Remove(socket);
-}
-
-std::optional<std::size_t> Channel::Receive(char* buffer, std::size_t size, Deadline deadline)
+std::optional<std::size_t> ClientSocket::Receive(char* buffer, std::size_t size, Deadline deadline)
 {
     if (!socket.poll(TimeLeft(deadline), Poco::Net::Socket::SELECT_READ)) {
         return std::nullopt;
@@ -39,7 +32,7 @@ std::optional<std::size_t> Channel::Receive(char* buffer, std::size_t size, Dead
     return static_cast<std::size_t>(socket.receiveBytes(buffer, static_cast<int>(size)));
 }
 
-void Channel::Send(const std::string& bytes)
+void ClientSocket::Send(const std::string& bytes)
 {
     std::size_t sent = 0;
     while (sent < bytes.size()) {
@@ -48,25 +41,23 @@ void Channel::Send(const std::string& bytes)
     }
 }
 
-void Channel::SendSlowly(const std::string& bytes)
+void ClientSocket::SendSlowly(const std::string& bytes)
 {
     socket.setNoDelay(true);
     for (const char byte : bytes) {
-        if (open.EndWithin(pauseBetweenBytes)) {
-            return;
-        }
+        std::this_thread::sleep_for(pauseBetweenBytes);
         Send(std::string(1, byte));
     }
 }
 
-void Channel::WaitForClientToLeave()
+void ClientSocket::WaitForClientToLeave()
 {
     char buffer[bufferSize];
     while (socket.receiveBytes(buffer, bufferSize) > 0) {
     }
 }
 
-void Channel::Finish()
+void ClientSocket::Finish()
 {
     socket.shutdownSend();
     const Deadline deadline = std::chrono::steady_clock::now() + timeToLeave;
@@ -75,7 +66,7 @@ void Channel::Finish()
     }
 }
 
-void Channel::ResetOnClose()
+void ClientSocket::ResetOnClose()
 {
     socket.setLinger(true, 0);
 }

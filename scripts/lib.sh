@@ -1,0 +1,56 @@
+# What several scripts need. They source it from the root of the tree:
+#
+#   # shellcheck source=scripts/lib.sh
+#   . scripts/lib.sh
+#
+# shellcheck shell=sh
+
+# fail STATUS MESSAGE: ends the script.
+fail() {
+    echo "$0: $2" >&2
+    exit "$1"
+}
+
+# Ends the script unless there is a static build for the architecture.
+require_static_arch() {
+    case ${1-} in
+    amd64 | armhf) ;;
+    *) fail 64 "expected an architecture, amd64 or armhf, but got '${1-}'" ;;
+    esac
+}
+
+# Makes the folder $work, which goes when the script ends, however it ends.
+make_work_folder() {
+    work=$(mktemp -d)
+    simulator=
+    trap clean_up EXIT
+    trap 'exit 130' HUP INT TERM PIPE
+}
+
+clean_up() {
+    trap '' HUP INT TERM PIPE
+    if [ -n "$simulator" ]; then
+        kill "$simulator" 2>/dev/null || true
+        wait "$simulator" || true
+    fi
+    rm -rf "$work"
+}
+
+# start_simulator PROGRAM: returns when it listens. It ends with the script. Needs $work.
+start_simulator() {
+    "$1" 2>"$work/simulator.log" &
+    simulator=$!
+    until grep -q listening "$work/simulator.log"; do
+        kill -0 "$simulator" 2>/dev/null || fail 69 "$(cat "$work/simulator.log")"
+        sleep 0.05
+    done
+}
+
+# Runs unshare, in a user namespace that makes this user root unless he is.
+unshare_as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        unshare "$@"
+    else
+        unshare --map-root-user "$@"
+    fi
+}
