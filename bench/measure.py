@@ -1,4 +1,4 @@
-"""Measures the clients in the folder that scripts/bench prepared and writes the tables.
+"""Measures the clients in the folder that scripts/bench prepared, and writes the tables.
 
 Usage: measure.py FOLDER LOAD OUTPUT-FOLDER
     LOAD           the load of the machine before anything was built or measured
@@ -41,13 +41,13 @@ WITHOUT_DAEMON = "runit: `sv status`"  # reads files that the daemon writes
 
 
 def run(*words, **options):
-    """The completed process of a command that has to end with 0."""
+    """The completed process of a command that has to succeed."""
     words = [str(word) for word in words]
     return subprocess.run(words, check=True, capture_output=True, text=True, **options)
 
 
 class Engine:
-    """Gives every request a reply with half as many services, half as many modules as entries."""
+    """Answers every request with the same reply; half of its entries are services, half modules."""
 
     def __init__(self, entries):
         self.file = WORK / "reply.json"
@@ -85,8 +85,8 @@ def wall_times(command, runs):
 
 
 def interleaved_wall_times(commands):
-    """Takes turns, so that a change in the machine's load meets all of them. Each gets about a
-    second in each round."""
+    """The commands take turns, so that a change of the machine's load affects all of them. Each runs
+    for about a second in each round."""
     runs = {name: min(300, max(5, int(1 / statistics.median(wall_times(command, 3)))))
             for name, command in commands.items()}
     times = {name: [] for name in commands}
@@ -97,7 +97,7 @@ def interleaved_wall_times(commands):
 
 
 def instructions(command):
-    """All that is executed in user mode, by the processes that the command starts, too."""
+    """Those executed in user mode, by the command and the processes that it starts."""
     log = run("valgrind", "--tool=callgrind", "--trace-children=yes",
               "--callgrind-out-file=/dev/null", *command).stderr
     return sum(int(count) for count in re.findall(r"Collected : (\d+)", log))
@@ -105,7 +105,7 @@ def instructions(command):
 
 def peak_memory(command):
     """In KB, of the process that took most."""
-    return int(run(WORK / "bin/peak", *command).stderr.split()[-1])
+    return int(run("/usr/bin/time", "--format=%M", *command).stderr.split()[-1])
 
 
 def system_calls(command):
@@ -176,7 +176,7 @@ def growth_table(results):
 
 
 def goals(results, growth):
-    """A row for each goal: what was aimed at, what was reached, whether that is enough."""
+    """A row for each goal: what it is, what was reached, whether that is enough."""
     median = {name: statistics.median(times) for name, (times, *_) in results.items()}
     ratio = median[STATIC] / median[FLOOR]
     peers = [name for name in median
@@ -191,13 +191,13 @@ def goals(results, growth):
     rows = [
         ["wall time of the bare client, times 1.25", f"{ratio:.2f}", ratio <= 1.25],
         ["under 600,000 instructions", f"{results[STATIC][1]:,}", results[STATIC][1] < 600_000],
-        ["quicker than every peer that talks to a daemon",
-         f"{median[nearest] / median[STATIC]:.1f} times quicker than {nearest}",
+        ["faster than every peer that talks to a daemon",
+         f"{median[nearest] / median[STATIC]:.1f} times as fast as {nearest}",
          median[nearest] > median[STATIC]],
-        ["time linear in the reply: the last tenfold costs no more per entry than the one before, "
-         "times 1.25", f"{slope(1):.2f}", slope(1) <= 1.25],
-        ["memory linear in the reply, likewise", f"{slope(2):.2f}", slope(2) <= 1.25],
-        ["instructions linear in the reply, likewise", f"{slope(3):.2f}", slope(3) <= 1.25],
+        ["time per entry grows by at most a quarter from 10,000 to 100,000 entries",
+         f"{slope(1):.2f}", slope(1) <= 1.25],
+        ["memory per entry, likewise", f"{slope(2):.2f}", slope(2) <= 1.25],
+        ["instructions per entry, likewise", f"{slope(3):.2f}", slope(3) <= 1.25],
     ]
     return table(["goal", "reached", "enough"],
                  [[goal, reached, "yes" if enough else "no"] for goal, reached, enough in rows])
@@ -212,8 +212,8 @@ def machine():
 
 
 def conditions():
-    state = ("It had nothing else to do" if float(LOAD) < 0.5 else
-             "**It was busy with other work**, so the times are too long; the ratios tell more")
+    state = ("The machine was idle" if float(LOAD) < 0.5 else
+             "**The machine was busy**, so the times are too long; compare the ratios")
     return (f"Measured on {datetime.date.today()} on {machine()}. {state}: the load was {LOAD} at "
             f"the start and {os.getloadavg()[0]:.2f} at the end.\n")
 
@@ -229,22 +229,22 @@ DOCUMENT = """# Benchmarks
 Written by `scripts/bench`; what it measures is in [bench/](../bench).
 
 {conditions}
-Each client lists ten services; for the clients of the engine ten modules come with them, in a reply
-that is the same byte for byte and comes from the same small engine. The floor is a C program, linked
-statically, that connects, sends the request, and writes out what it reads. `sv` asks no daemon but
-reads files that it writes. Versions: {versions}.
+Each client lists ten services. The clients of the engine list ten modules as well, and all get the
+same reply from the same small engine. The floor is a static C program that connects, sends the
+request and writes what it reads. `sv` asks no daemon; it reads files that the daemon writes.
+Versions: {versions}.
 
 {comparison}
-Wall time is told by hyperfine, the clients taking turns; instructions in user mode by callgrind;
-system calls by strace; for a client of several processes they are summed up, and peak memory is
-that of the greatest.
+hyperfine measures the wall time, with the clients taking turns. callgrind counts instructions in user
+mode, strace system calls, and `time` shows the peak memory. Where a client is several processes,
+instructions and system calls are their sum, and peak memory is that of the largest.
 
 ## Goals
 
 {goals}
 ## Growth
 
-The preset `static-amd64` with replies of half as many services, half as many modules as entries.
+The preset `static-amd64`. Half of the entries are services, half are modules.
 
 {growth}"""
 
