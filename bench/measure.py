@@ -41,13 +41,13 @@ WITHOUT_DAEMON = "runit: `sv status`"  # reads files that the daemon writes
 
 
 def run(*words, **options):
-    """The completed process of a command that has to end with 0."""
+    """The completed process of a command that has to succeed."""
     words = [str(word) for word in words]
     return subprocess.run(words, check=True, capture_output=True, text=True, **options)
 
 
 class Engine:
-    """Gives every request a reply with half as many services, half as many modules as entries."""
+    """Answers every request with the same reply; half of its entries are services, half modules."""
 
     def __init__(self, entries):
         self.file = WORK / "reply.json"
@@ -85,8 +85,8 @@ def wall_times(command, runs):
 
 
 def interleaved_wall_times(commands):
-    """Takes turns, so that a change in the machine's load meets all of them. Each gets about a
-    second in each round."""
+    """The commands take turns, so that a change of the machine's load affects all of them. Each runs
+    for about a second in each round."""
     runs = {name: min(300, max(5, int(1 / statistics.median(wall_times(command, 3)))))
             for name, command in commands.items()}
     times = {name: [] for name in commands}
@@ -97,7 +97,7 @@ def interleaved_wall_times(commands):
 
 
 def instructions(command):
-    """All that is executed in user mode, by the processes that the command starts, too."""
+    """Those executed in user mode, by the command and the processes that it starts."""
     log = run("valgrind", "--tool=callgrind", "--trace-children=yes",
               "--callgrind-out-file=/dev/null", *command).stderr
     return sum(int(count) for count in re.findall(r"Collected : (\d+)", log))
@@ -105,7 +105,7 @@ def instructions(command):
 
 def peak_memory(command):
     """In KB, of the process that took most."""
-    return int(run(WORK / "bin/peak", *command).stderr.split()[-1])
+    return int(run("/usr/bin/time", "--format=%M", *command).stderr.split()[-1])
 
 
 def system_calls(command):
@@ -237,7 +237,8 @@ writes. Versions: {versions}.
 
 {comparison}
 The clients take turns, so a change in the machine's load affects all of them. hyperfine measures the
-wall time, callgrind counts the instructions in user mode, strace the system calls. For a client with
+wall time, callgrind counts the instructions in user mode, strace the system calls, and `time` shows
+the peak memory. For a client with
 several processes the counts are sums, and the peak memory is that of the largest process.
 
 ## Goals

@@ -1,5 +1,5 @@
-# One file that needs nothing of the system it runs on. Included after BuildOptions, whose target it
-# adds to. docs/device.md says what each option here brings.
+# One file for any system. Included after BuildOptions, whose target it adds to. docs/device.md says
+# what each option here brings.
 
 include(CheckIPOSupported)
 check_ipo_supported()
@@ -8,8 +8,7 @@ target_compile_options(quorlan-build-options INTERFACE -ffunction-sections -fdat
                                                        "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
 target_link_options(quorlan-build-options INTERFACE -Wl,--gc-sections -s)
 
-# Debian's C library for the device has no start-up code for a static program that is
-# position-independent.
+# Debian's C library for the device has no start-up code for position-independent static programs.
 include(CheckLinkerFlag)
 check_linker_flag(CXX -static-pie QUORLAN_HAS_STATIC_PIE)
 if(QUORLAN_HAS_STATIC_PIE)
@@ -23,7 +22,7 @@ else()
   target_link_options(quorlan-build-options INTERFACE -static)
 endif()
 
-# Stops a build that found the distribution's libraries where scripts/poco-static has not run.
+# Stops a build that would use the distribution's shared libraries.
 function(require_static_poco)
   get_target_property(type Poco::Foundation TYPE)
   if(NOT type STREQUAL "STATIC_LIBRARY")
