@@ -1,4 +1,4 @@
-"""A client of the engine as one would write it in Python: prints the list as two tables."""
+"""A client of the engine as one would write it in Python. Prints the list as two tables."""
 
 import json
 import socket

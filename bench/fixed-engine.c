@@ -1,5 +1,5 @@
-// An engine that gives every request the same reply, read once from a file, so that the time of an
-// exchange is the client's own. Prints one line when it listens.
+// An engine that answers every request with the same reply, which it reads once from a file, so
+// that little of an exchange's time is its own. Prints one line when it listens.
 //
 // Usage: fixed-engine REPLY-FILE
 
@@ -50,7 +50,7 @@ static int Listen(void)
     return listener;
 }
 
-// A request is one flat object without a brace in its texts, so its first closing brace ends it.
+// The first closing brace ends a request: it is a flat object without braces in its strings.
 static int AwaitRequest(int client)
 {
     char request[512];

@@ -1,5 +1,5 @@
-// The least that any client of the engine must do: connect, send the list request, read the reply
-// until the engine closes, write it out as it came. What the others take longer is their own.
+// A minimal client of the engine: connects, sends the list request, and writes the reply as it
+// comes until the engine closes. No client can be faster.
 
 #include <arpa/inet.h>
 #include <netinet/in.h>

@@ -1,8 +1,8 @@
-"""Measures the clients in the folder that scripts/bench prepared and writes the tables.
+"""Measures the clients in the folder that scripts/bench prepared and writes benchmarks.md.
 
 Usage: measure.py FOLDER LOAD OUTPUT-FOLDER
     LOAD           the load of the machine before anything was built or measured
-    OUTPUT-FOLDER  where benchmarks.md and README.md go; empty: into the tree
+    OUTPUT-FOLDER  where benchmarks.md goes; empty: into docs
 """
 
 import datetime
@@ -25,7 +25,7 @@ ROUNDS = 5
 GROWTH = [10, 100, 1_000, 10_000, 100_000]
 
 PEERS = WORK / "peers"
-FLOOR = "bare C client (static)"
+FLOOR = "minimal C client (static), the floor"
 STATIC = "`quorlan --list`, preset `static-amd64`"
 CLIENTS = {
     FLOOR: [WORK / "bin/floor"],
@@ -41,13 +41,13 @@ WITHOUT_DAEMON = "runit: `sv status`"  # reads files that the daemon writes
 
 
 def run(*words, **options):
-    """The completed process of a command that has to end with 0."""
+    """The completed process of a command that has to succeed."""
     words = [str(word) for word in words]
     return subprocess.run(words, check=True, capture_output=True, text=True, **options)
 
 
 class Engine:
-    """Gives every request a reply with half as many services, half as many modules as entries."""
+    """Answers every request with the same reply; half of its entries are services, half modules."""
 
     def __init__(self, entries):
         self.file = WORK / "reply.json"
@@ -85,8 +85,8 @@ def wall_times(command, runs):
 
 
 def interleaved_wall_times(commands):
-    """Takes turns, so that a change in the machine's load meets all of them. Each gets about a
-    second in each round."""
+    """The commands take turns, so that a change of the machine's load affects all of them. Each runs
+    for about a second in each round."""
     runs = {name: min(300, max(5, int(1 / statistics.median(wall_times(command, 3)))))
             for name, command in commands.items()}
     times = {name: [] for name in commands}
@@ -97,7 +97,7 @@ def interleaved_wall_times(commands):
 
 
 def instructions(command):
-    """All that is executed in user mode, by the processes that the command starts, too."""
+    """Those executed in user mode, by the command and the processes that it starts."""
     log = run("valgrind", "--tool=callgrind", "--trace-children=yes",
               "--callgrind-out-file=/dev/null", *command).stderr
     return sum(int(count) for count in re.findall(r"Collected : (\d+)", log))
@@ -105,7 +105,7 @@ def instructions(command):
 
 def peak_memory(command):
     """In KB, of the process that took most."""
-    return int(run(WORK / "bin/peak", *command).stderr.split()[-1])
+    return int(run("/usr/bin/time", "--format=%M", *command).stderr.split()[-1])
 
 
 def system_calls(command):
@@ -141,7 +141,7 @@ def comparison_table(results):
         rows.append([name, milliseconds(median), f"{median / floor:.2f}", milliseconds(min(times)),
                      f"{milliseconds(tenths[0])} to {milliseconds(tenths[-1])}", len(times),
                      f"{count:,}", f"{peak:,}", f"{calls:,}"])
-    return table(["client", "median, ms", "ratio", "least, ms", "eight of ten runs, ms", "runs",
+    return table(["client", "median, ms", "ratio", "minimum, ms", "eight of ten runs, ms", "runs",
                   "instructions", "peak memory, KB", "system calls"], rows)
 
 
@@ -170,13 +170,13 @@ def growth_table(results):
                     f"{(count - results[before][3]) / added:,.0f}"]
         rows.append([f"{entries:,}", f"{size:,}", milliseconds(floor), milliseconds(time), more[0],
                      f"{peak:,}", more[1], f"{count:,}", more[2]])
-    return table(["entries", "reply, bytes", "floor, ms", "tool, ms", "per further entry, µs",
-                  "peak memory, KB", "per further entry, bytes", "instructions",
-                  "per further entry"], rows)
+    return table(["entries", "reply, bytes", "floor, ms", "tool, ms", "per added entry, µs",
+                  "peak memory, KB", "per added entry, bytes", "instructions",
+                  "per added entry"], rows)
 
 
 def goals(results, growth):
-    """A row for each goal: what was aimed at, what was reached, whether that is enough."""
+    """A row for each goal: what was aimed at, the result, whether the goal is reached."""
     median = {name: statistics.median(times) for name, (times, *_) in results.items()}
     ratio = median[STATIC] / median[FLOOR]
     peers = [name for name in median
@@ -189,17 +189,17 @@ def goals(results, growth):
                 / ((growth[middle][column] - growth[small][column]) / (middle - small)))
 
     rows = [
-        ["wall time of the bare client, times 1.25", f"{ratio:.2f}", ratio <= 1.25],
+        ["at most 1.25 times the wall time of the floor", f"{ratio:.2f}", ratio <= 1.25],
         ["under 600,000 instructions", f"{results[STATIC][1]:,}", results[STATIC][1] < 600_000],
-        ["quicker than every peer that talks to a daemon",
-         f"{median[nearest] / median[STATIC]:.1f} times quicker than {nearest}",
+        ["faster than every peer that talks to a daemon",
+         f"{median[nearest] / median[STATIC]:.1f} times as fast as {nearest}",
          median[nearest] > median[STATIC]],
-        ["time linear in the reply: the last tenfold costs no more per entry than the one before, "
-         "times 1.25", f"{slope(1):.2f}", slope(1) <= 1.25],
-        ["memory linear in the reply, likewise", f"{slope(2):.2f}", slope(2) <= 1.25],
-        ["instructions linear in the reply, likewise", f"{slope(3):.2f}", slope(3) <= 1.25],
+        ["time per further entry: up to 100,000 at most a quarter more than up to 10,000",
+         f"{slope(1):.2f}", slope(1) <= 1.25],
+        ["memory per further entry, likewise", f"{slope(2):.2f}", slope(2) <= 1.25],
+        ["instructions per further entry, likewise", f"{slope(3):.2f}", slope(3) <= 1.25],
     ]
-    return table(["goal", "reached", "enough"],
+    return table(["goal", "result", "reached"],
                  [[goal, reached, "yes" if enough else "no"] for goal, reached, enough in rows])
 
 
@@ -212,8 +212,8 @@ def machine():
 
 
 def conditions():
-    state = ("It had nothing else to do" if float(LOAD) < 0.5 else
-             "**It was busy with other work**, so the times are too long; the ratios tell more")
+    state = ("The machine was idle" if float(LOAD) < 0.5 else
+             "**The machine was busy with other work**, so trust the ratios, not the times")
     return (f"Measured on {datetime.date.today()} on {machine()}. {state}: the load was {LOAD} at "
             f"the start and {os.getloadavg()[0]:.2f} at the end.\n")
 
@@ -226,50 +226,38 @@ def versions():
 
 DOCUMENT = """# Benchmarks
 
-Written by `scripts/bench`; what it measures is in [bench/](../bench).
+`scripts/bench` measures a run of `quorlan`, compares it with other clients and writes this page. The
+clients are in [bench/](../bench).
 
 {conditions}
-Each client lists ten services; for the clients of the engine ten modules come with them, in a reply
-that is the same byte for byte and comes from the same small engine. The floor is a C program, linked
-statically, that connects, sends the request, and writes out what it reads. `sv` asks no daemon but
-reads files that it writes. Versions: {versions}.
+Each client lists ten services. The engine's clients list ten modules as well. They all get the same
+reply, from the same small engine. The floor, a minimal client, is a static C program that connects,
+sends the request and prints what it reads. `sv` talks to no daemon: it reads files that the daemon
+writes. Versions: {versions}.
 
 {comparison}
-Wall time is told by hyperfine, the clients taking turns; instructions in user mode by callgrind;
-system calls by strace; for a client of several processes they are summed up, and peak memory is
-that of the greatest.
+The clients take turns, so a change in the machine's load affects all of them. hyperfine measures the
+wall time, callgrind counts the instructions in user mode, strace the system calls, and `time` shows
+the peak memory. For a client with
+several processes the counts are sums, and the peak memory is that of the largest process.
 
 ## Goals
 
 {goals}
 ## Growth
 
-The preset `static-amd64` with replies of half as many services, half as many modules as entries.
+The preset `static-amd64` with longer replies. Half of the entries are services, half are modules.
 
 {growth}"""
-
-
-def put_between_marks(text, content):
-    begin, end = "<!-- benchmarks -->\n", "<!-- /benchmarks -->"
-    before, rest = text.split(begin)
-    return before + begin + content + end + rest.split(end)[1]
 
 
 def main():
     results = compare()
     growth = grow()
-    when_and_where = conditions()
-    text = DOCUMENT.format(conditions=when_and_where, versions=versions(),
+    text = DOCUMENT.format(conditions=conditions(), versions=versions(),
                            comparison=comparison_table(results), goals=goals(results, growth),
                            growth=growth_table(growth))
     (OUTPUT or TREE / "docs").joinpath("benchmarks.md").write_text(text)
-    floor = statistics.median(results[FLOOR][0])
-    short = table(["client", "median, ms", "ratio"],
-                  [[name, milliseconds(statistics.median(times)),
-                    f"{statistics.median(times) / floor:.2f}"]
-                   for name, (times, *_) in results.items()])
-    readme = put_between_marks((TREE / "README.md").read_text(), when_and_where + "\n" + short)
-    (OUTPUT or TREE).joinpath("README.md").write_text(readme)
     print(text)
 
 

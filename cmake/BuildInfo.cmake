@@ -1,29 +1,44 @@
-# add_build_info(<target> DEPENDS <what>...)
+# add_build_info(<target> <input>...)
 #
-# Adds a static library with the build-time texts that app/BuildInfo.h declares. They are written
-# anew, with the time of the build, when something of DEPENDS or the checked-out revision has
-# changed: WriteBuildInfo.cmake names the files of git that tell, so that a commit needs no
-# re-configure and an unchanged tree has no work to do.
+# Adds a static library that defines the version fields, the texts of app/BuildInfo.h. They have the
+# date and time of the last build in which another field or an <input> changed: what the program is
+# linked from.
 
-set(QUORLAN_REVISION "" CACHE STRING "Source revision shown by --version; empty: ask git")
-set(QUORLAN_BRANCH "" CACHE STRING "Source branch shown by --version; empty: ask git")
-set(QUORLAN_BUILD_HOST "" CACHE STRING "Build machine shown by --version; empty: this machine")
-
-set(write_build_info "${CMAKE_CURRENT_LIST_DIR}/WriteBuildInfo.cmake")
+find_package(Git QUIET)
+set(build_info_scripts "${CMAKE_CURRENT_LIST_DIR}")
 
 function(add_build_info target)
-  cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "DEPENDS")
+  if(NOT "${QUORLAN_REVISION}" STREQUAL "")
+    string(LENGTH "${QUORLAN_REVISION}" digits)
+    if(NOT QUORLAN_REVISION MATCHES "^[0-9A-Fa-f]+$" OR digits LESS 7 OR digits GREATER 40)
+      message(FATAL_ERROR "QUORLAN_REVISION is \"${QUORLAN_REVISION}\", which is not a revision: "
+                          "7 to 40 hexadecimal digits")
+    endif()
+  elseif(NOT GIT_FOUND OR NOT EXISTS "${PROJECT_SOURCE_DIR}/.git")
+    message(WARNING "--version will show an unknown revision: there is no git repository to ask, "
+                    "and QUORLAN_REVISION is not set")
+  endif()
+
+  set(fields "${CMAKE_CURRENT_BINARY_DIR}/version-fields.txt")
+  add_custom_target(
+    ${target}-fields
+    COMMAND
+      "${CMAKE_COMMAND}" "-DOUTPUT=${fields}" "-DSOURCE_DIR=${PROJECT_SOURCE_DIR}"
+      "-DRELEASE=${PROJECT_VERSION}" "-DREVISION=${QUORLAN_REVISION}" "-DBRANCH=${QUORLAN_BRANCH}"
+      "-DBUILD_TYPE=${CMAKE_BUILD_TYPE}" "-DHOST=${QUORLAN_BUILD_HOST}" -P
+      "${build_info_scripts}/WriteVersionFields.cmake"
+    BYPRODUCTS "${fields}"
+    COMMENT "Looking up the version fields"
+    VERBATIM)
+
   set(source "${CMAKE_CURRENT_BINARY_DIR}/BuildInfo.cpp")
+  set(script "${build_info_scripts}/WriteBuildInfo.cmake")
   add_custom_command(
     OUTPUT "${source}"
-    COMMAND
-      "${CMAKE_COMMAND}" "-DOUTPUT=${source}" "-DSOURCE_DIR=${PROJECT_SOURCE_DIR}"
-      "-DRELEASE=${PROJECT_VERSION}" "-DBUILD_TYPE=${CMAKE_BUILD_TYPE}"
-      "-DREVISION=${QUORLAN_REVISION}" "-DBRANCH=${QUORLAN_BRANCH}" "-DHOST=${QUORLAN_BUILD_HOST}"
-      -P "${write_build_info}"
-    DEPENDS ${arg_DEPENDS} "${write_build_info}"
-    DEPFILE "${source}.d"
+    COMMAND "${CMAKE_COMMAND}" "-DOUTPUT=${source}" "-DFIELDS=${fields}" -P "${script}"
+    DEPENDS "${fields}" "${script}" ${ARGN}
     COMMENT "Stamping the build"
     VERBATIM)
   add_library(${target} STATIC "${source}")
+  add_dependencies(${target} ${target}-fields)
 endfunction()

@@ -1,19 +1,15 @@
-# Compiler and linker options for this project's own code, as two INTERFACE targets. Third-party
-# code is never compiled with them.
+# Compiler and linker options for this project's own code, as two INTERFACE targets:
 #
-#   quorlan-build-options    warnings and hardening; every target of ours links it
+#   quorlan-build-options    warnings and hardening; every target links it
 #   quorlan-instrumentation  sanitizers, coverage and fuzzing; comes with the libraries of the tool and
-#                            of the simulator. Programs that only drive the built tool go without, as
-#                            a test process starts in half the time then.
-
-option(QUORLAN_WERROR "Treat warnings as errors" OFF)
-option(QUORLAN_SANITIZE "Build with AddressSanitizer and UndefinedBehaviorSanitizer" OFF)
+#                            of the simulator. Programs that only drive the built tool do without it,
+#                            and start in half the time.
 
 add_library(quorlan-build-options INTERFACE)
 add_library(quorlan-instrumentation INTERFACE)
 
 # A constructor's parameter may have the name of the member that it initializes. Clang's -Wshadow
-# allows that; GCC allows it only where no member counts. Clang still refuses it elsewhere.
+# allows that. GCC's can only leave out all members; what it misses then, Clang reports.
 target_compile_options(
   quorlan-build-options
   INTERFACE $<IF:$<CXX_COMPILER_ID:GNU>,-Wshadow=local,-Wshadow>
@@ -37,29 +33,26 @@ target_compile_options(
             $<$<BOOL:${QUORLAN_WERROR}>:-Werror>)
 
 if(QUORLAN_SANITIZE)
-  # A sanitizer report ends the process, so that no test can pass over one.
+  # A sanitizer report ends the process, so that no test can pass with one.
   set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=all)
   target_compile_options(quorlan-instrumentation INTERFACE ${sanitizers} -fno-omit-frame-pointer)
   target_link_options(quorlan-instrumentation INTERFACE ${sanitizers})
   if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
-    # As Clang does by itself: without another library to load, the tool starts sooner.
+    # As Clang does by default: with fewer libraries to load, the tool starts sooner.
     target_link_options(quorlan-instrumentation INTERFACE -static-libasan -static-libubsan)
   endif()
 endif()
 
-option(QUORLAN_FUZZ "Build the fuzz targets with Clang's libFuzzer" OFF)
 if(QUORLAN_FUZZ)
   target_compile_options(quorlan-instrumentation INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
-option(QUORLAN_COVERAGE "Count how often each line and branch runs" OFF)
 if(QUORLAN_COVERAGE)
   target_compile_options(quorlan-instrumentation INTERFACE --coverage)
   target_link_options(quorlan-instrumentation INTERFACE --coverage)
 endif()
 
-# Hardening. _FORTIFY_SOURCE needs an optimised build, and AddressSanitizer does the same checks
-# better; the other options cost nothing where they are not needed.
+# Hardening. _FORTIFY_SOURCE needs an optimized build, and AddressSanitizer does its checks better.
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)

@@ -1,21 +1,14 @@
-# One file that needs nothing of the system it runs on. Included after BuildOptions, whose target
-# it adds to; docs/device.md tells what each option here brought.
+# One file for any system. Included after BuildOptions, whose target it adds to. docs/device.md says
+# what each option here brings.
 
-option(QUORLAN_STATIC "Link everything statically, for the device" OFF)
-if(NOT QUORLAN_STATIC)
-  return()
-endif()
-
-set(CMAKE_AR "${CMAKE_CXX_COMPILER_AR}")
-set(CMAKE_RANLIB "${CMAKE_CXX_COMPILER_RANLIB}")
+include(CheckIPOSupported)
+check_ipo_supported()
+set(CMAKE_INTERPROCEDURAL_OPTIMIZATION ON)
 target_compile_options(quorlan-build-options INTERFACE -ffunction-sections -fdata-sections
-                                                       -flto=auto -fno-fat-lto-objects)
-target_compile_options(quorlan-build-options
-                       INTERFACE "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
-target_link_options(quorlan-build-options INTERFACE -flto=auto -Wl,--gc-sections -s)
+                                                       "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
+target_link_options(quorlan-build-options INTERFACE -Wl,--gc-sections -s)
 
-# Debian's C library for the device has no start-up code for a static program that is
-# position-independent.
+# Debian's C library for the device has no start-up code for position-independent static programs.
 include(CheckLinkerFlag)
 check_linker_flag(CXX -static-pie QUORLAN_HAS_STATIC_PIE)
 if(QUORLAN_HAS_STATIC_PIE)
@@ -29,7 +22,7 @@ else()
   target_link_options(quorlan-build-options INTERFACE -static)
 endif()
 
-# Stops a build that found the distribution's libraries where scripts/poco-static has not run.
+# Stops a build that would use the distribution's shared libraries.
 function(require_static_poco)
   get_target_property(type Poco::Foundation TYPE)
   if(NOT type STREQUAL "STATIC_LIBRARY")

@@ -1,10 +1,11 @@
 // Operators new and delete of a static quorlan.
 //
-// A run lives for a millisecond and allocates some two thousand small blocks, the nodes of a reply
-// most of all; managing them was a third of its instructions. They are cut off one piece of
-// zero-initialised memory instead, which costs nothing until it is touched, and only the block cut
-// last is ever taken back: memory that was freed holds no pointer of the allocator's and is seldom
-// handed out again. A reply that needs more goes on with malloc.
+// A run is over in a millisecond and allocates some two thousand small blocks, most of them for the
+// reply. On a 32-bit Arm kernel the arena takes 11 % off the time of a whole run. Blocks are cut
+// off one array, and only the block that was cut last can be reused. The array is zero-initialized,
+// so memory that is never used is never touched. When it is full, malloc takes over.
+//
+// This relies on there being one thread.
 
 #include <cstddef>
 #include <cstdlib>
@@ -18,13 +19,13 @@ constexpr std::size_t alignment = alignof(std::max_align_t);
 alignas(alignment) char arena[arenaSize];
 std::size_t used = 0;
 
-// What a block takes of the arena; a block of no bytes has an address of its own, too.
+// How much of the arena a block takes. A block of no bytes needs an address of its own, too.
 std::size_t Rounded(std::size_t size)
 {
     return size == 0 ? alignment : (size + alignment - 1) / alignment * alignment;
 }
 
-// Offset of a block of the arena; arenaSize or more for any other pointer, the null pointer too.
+// A block's offset in the arena; at least arenaSize for any other pointer, also for a null pointer.
 std::size_t Offset(const void* block)
 {
     return reinterpret_cast<std::size_t>(block) - reinterpret_cast<std::size_t>(arena);

@@ -1,10 +1,9 @@
-// The name services of a static quorlan: there are none.
+// A static quorlan has no name services: no user and no host is known.
 //
-// POCO refers to them for what the tool never uses: user names, for the paths of configuration
-// files that are not read, and host names, where the engine's address is a number. The C library
-// would answer through modules that it loads from the system at run time, which a single file in
-// an empty root has not got and which must match the library that it was linked with. "No such
-// entry" is an answer that POCO knows how to go on from.
+// POCO refers to them for user names (in paths of configuration files, which the tool does not
+// read) and for host names (the engine's address is a number). The C library would load modules of
+// the system for them at run time. They may be missing, or not match the C library that was linked.
+// POCO handles "no such entry".
 
 #include <netdb.h>
 #include <pwd.h>

@@ -10,8 +10,10 @@ Comments directly before a block, "<!-- ... -->" or '.\\" ...', change that:
     engine: --fault=silent    the simulator's arguments; "none" for no engine
     varying: 0.1.1 | Mar 14   texts in the block that may differ, word by word
 
-Blanks at the ends of lines and empty lines at the end of an output are not compared; all else is. Blocks fenced
-as "sh" are not run here; their syntax is checked, and that the scripts they name are there.
+Every character of the output is compared, also spaces at the ends of lines and empty lines. As nobody
+sees such spaces, they have to be followed by "\\&" in the manual page, which stands for nothing; in
+Markdown, show the output through "cat -e". Blocks fenced as "sh" are not run; the tests check their
+syntax and that the scripts they name exist.
 """
 
 import contextlib
@@ -23,7 +25,8 @@ import unittest
 import support
 
 MANUAL = support.SOURCE / "docs/man/quorlan.1"
-MARKDOWN = sorted([*support.SOURCE.glob("*.md"), *support.SOURCE.glob("docs/**/*.md")])
+MARKDOWN = sorted([*support.SOURCE.glob("*.md"), *support.SOURCE.glob("docs/**/*.md"),
+                   support.SOURCE / "tests/README.md"])
 
 MARKER = "\x01"
 
@@ -49,7 +52,7 @@ class Block:
 
     def pattern(self, expected):
         """A regular expression for the output, in which the varying texts may be others."""
-        pattern = re.escape("\n".join(line.rstrip() for line in expected).rstrip("\n"))
+        pattern = re.escape("\n".join(expected))
         for text in filter(None, self.comments.get("varying", "").split(" | ")):
             words = r"\ +".join(r"\S+" for _ in text.split())
             pattern = pattern.replace(re.escape(text), words)
@@ -107,9 +110,8 @@ class Documents(unittest.TestCase):
                 self.assertTrue(shown, "a block without a command")
                 self.assertEqual(len(shown), len(outputs), "the shell ended early")
                 for (command, expected), output in zip(shown, outputs):
-                    actual = "\n".join(line.rstrip() for line in output.split("\n"))
-                    if not re.fullmatch(block.pattern(expected), actual.rstrip("\n")):
-                        self.assertEqual("\n".join(expected), actual, f"\n$ {command}")
+                    if not re.fullmatch(block.pattern(expected), output):
+                        self.assertEqual("\n".join(expected), output, f"\n$ {command}")
         return len(found)
 
     def test_the_manual_page_shows_what_the_tool_does(self):
@@ -117,6 +119,11 @@ class Documents(unittest.TestCase):
 
     def test_the_markdown_documents_show_what_the_tool_does(self):
         self.assertGreater(sum(map(self.compare, MARKDOWN)), 0)
+
+    def test_no_document_has_spaces_at_the_end_of_a_line(self):
+        for document in [*MARKDOWN, MANUAL]:
+            with self.subTest(str(document.relative_to(support.SOURCE))):
+                self.assertEqual([], re.findall(r"^.* $", document.read_text(), re.M))
 
     def test_shell_snippets_are_sound_and_name_scripts_that_exist(self):
         for document in MARKDOWN:

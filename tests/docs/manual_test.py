@@ -1,11 +1,16 @@
-"""Holds the manual page against the tool: its options, its exit statuses, its form."""
+"""Checks the manual page against the tool: its options, its exit statuses, its form.
 
+diagnostics_test.py checks the messages, documents_test.py the examples.
+"""
+
+import json
 import os
 import pathlib
 import re
 import shlex
 import unittest
 
+import raw_peer
 import support
 
 PAGE = support.SOURCE / "docs/man/quorlan.1"
@@ -37,12 +42,58 @@ def option(text):
     return short, full, same_argument
 
 
+def run_in_debug_mode(*words):
+    """(command words that the engine received, the finished run)."""
+    status = {"safeModeEnabled": False, "debugModeEnabled": True, "state": "s", "version": "v"}
+    reply = {"resultCode": 0, "description": "ok", "services": [], "modules": [], **status}
+    with raw_peer.Peer(json.dumps(reply).encode()) as engine:
+        ended = support.run([support.QUORLAN, *words])
+    return [json.loads(request) for request in engine.requests], ended
+
+
+def effect_of_a_single_dash(name, *argument):
+    """What the page has to say of "-name argument"."""
+    requests, ended = run_in_debug_mode(f"-{name}", *argument)
+    meant_requests, meant = run_in_debug_mode(f"--{name}", *argument)
+    if ended.returncode != 0:
+        assert not requests
+        return f"refused, status {ended.returncode}"
+    if (requests, ended.stdout) == (meant_requests, meant.stdout):
+        return "the same as with two dashes"
+    return f"{requests[-1]['command']} {requests[-1]['module']}"
+
+
 class ManualPage(unittest.TestCase):
+    maxDiff = None
+
     def test_names_the_options_of_the_help_screen_and_no_others(self):
         help_screen = support.run([support.QUORLAN, "--help"]).stdout
         listed = re.findall(r"^(-[^\s,]+(?:, --\S+)?)", help_screen, re.M)
         self.assertEqual(sorted(map(option, listed), key=str),
                          sorted(map(option, tags("OPTIONS")), key=str))
+
+    def test_says_what_a_long_name_after_a_single_dash_does(self):
+        table = re.search(r"^written\t.*\n_\n(.*?)^\.TE", section("CAVEATS"), re.M | re.S).group(1)
+        effects = {}
+        for _, name, argument in map(option, tags("OPTIONS")):
+            words = [name, *{"module": ["valve"], "enable": ["true"]}.get(argument, [])]
+            effects["-" + " ".join(words)] = effect_of_a_single_dash(*words)
+        self.assertEqual(effects, dict(line.replace("\\-", "-").split("\t")
+                                       for line in table.splitlines()))
+
+    def test_says_which_commands_need_debug_mode(self):
+        said, checking = [], []
+        for entry in section("OPTIONS").split("\n.TP\n")[1:]:
+            _, name, argument = option(plain(entry.split("\n")[0]))
+            if argument == "module":
+                said += [name] if "Needs debug mode." in entry else []
+                checking += [name] if len(run_in_debug_mode(f"--{name}=valve")[0]) == 2 else []
+        self.assertEqual(checking, said)
+
+    def test_has_the_sections_in_their_usual_order(self):
+        self.assertEqual(["NAME", "SYNOPSIS", "DESCRIPTION", "CONCEPTS", "OPTIONS", "EXIT STATUS",
+                          "DIAGNOSTICS", "ENVIRONMENT", "NOTES", "CAVEATS", "EXAMPLES", "SEE ALSO"],
+                         re.findall(r'^\.SH "?([^"\n]+)', PAGE.read_text(), re.M))
 
     def test_names_every_exit_status_that_the_code_can_produce(self):
         self.assertEqual(statuses_in_the_code(), {int(t) for t in tags("EXIT STATUS")
@@ -70,10 +121,10 @@ class ManualPage(unittest.TestCase):
                 self.assertIn(expected, named)
 
     def test_is_clean_for_mandoc(self):
-        self.assert_silent(["mandoc", "-Tlint", PAGE])
+        self.assert_silent(["mandoc", "-Tlint", "-Wwarning", PAGE])
 
     def test_is_clean_for_groff(self):
-        self.assert_silent(["groff", "-ww", "-man", "-Tutf8", "-z", PAGE])
+        self.assert_silent(["groff", "-t", "-ww", "-man", "-Tutf8", "-z", PAGE])
 
     def test_is_installed_where_man_looks(self):
         installed = support.INSTALLED / "share/man/man1/quorlan.1"

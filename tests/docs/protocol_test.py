@@ -1,20 +1,20 @@
-"""Holds docs/protocol.md and its schemas against the simulator and the tool."""
+"""Checks docs/protocol.md and its schemas against the simulator and the tool."""
 
+import contextlib
 import json
 import re
 import socket
 import subprocess
-import threading
 import unittest
 
 import jsonschema
 
+import raw_peer
 import support
 
 GUIDE = support.SOURCE / "docs/protocol.md"
 SCHEMAS = {path.stem: json.loads(path.read_text())
            for path in (support.SOURCE / "docs/schemas").glob("*.json")}
-ADDRESS = ("127.0.0.1", 7777)
 
 MODULE_COMMANDS = ["start", "stop", "restart", "reconfigure", "monitor", "status", "pid"]
 PLAIN_COMMANDS = ["list", "engine-status", "update", "update-status"]
@@ -29,36 +29,31 @@ def reply_schema(command):
 
 
 def ask(request):
-    with socket.create_connection(ADDRESS, timeout=support.PATIENCE) as connection:
+    with socket.create_connection(raw_peer.ADDRESS, timeout=support.PATIENCE) as connection:
         connection.sendall(request.encode())
         return json.loads(b"".join(iter(lambda: connection.recv(65536), b"")))
 
 
 def requests_of_the_tool(*arguments):
-    """The requests, as sent, of a run beside an engine that says yes to everything."""
-    return run_beside({"debugModeEnabled": True, "resultCode": 0}, *arguments)[0]
+    """The requests, as sent, of a run with an engine that says yes to everything."""
+    return run_with_reply({"debugModeEnabled": True, "resultCode": 0}, *arguments)[0]
 
 
-def run_beside(reply, *arguments):
-    """The requests, as sent, and the end of a run beside an engine that always says the same."""
-    with socket.create_server(ADDRESS) as listener:
-        requests = []
-
-        def serve():
-            while True:
-                with listener.accept()[0] as connection:
-                    request = connection.recv(65536).decode()
-                    if not request:
-                        return
-                    requests.append(request)
-                    connection.sendall(json.dumps(reply).encode())
-
-        server = threading.Thread(target=serve)
-        server.start()
+def run_with_reply(reply, *arguments):
+    """The requests, as sent, and the finished run with an engine that always replies this."""
+    with raw_peer.Peer(json.dumps(reply).encode()) as engine:
         ended = support.run([support.QUORLAN, *arguments])
-        socket.create_connection(ADDRESS).close()
-        server.join(support.PATIENCE)
-        return requests, ended
+    return engine.requests, ended
+
+
+# What no fault of the simulator shows, in the words of the guide's table.
+OTHER_ENGINES = {
+    "nothing listens, or the connection is refused": contextlib.nullcontext(),
+    "the engine listens but accepts nobody": raw_peer.NobodyAccepts(),
+    "the reply is whole but short, and the connection stays open":
+        raw_peer.Peer(b'{"description":"d","resultCode":0}', leave_open=True),
+    "another member that the report needs is missing or null": raw_peer.Peer(b'{"resultCode":0}'),
+}
 
 
 class Protocol(unittest.TestCase):
@@ -92,12 +87,12 @@ class Protocol(unittest.TestCase):
                 for request in requests:
                     validator("request").validate(json.loads(request))
 
-    def test_only_the_commands_said_to_do_so_ask_the_debug_mode(self):
+    def test_the_gated_commands_and_no_others_check_debug_mode(self):
         said = re.search(r"^Before (.*?) the client sends `engine-status`",
                          GUIDE.read_text(), re.M | re.S).group(1)
-        asking = [command for command in MODULE_COMMANDS
-                  if len(requests_of_the_tool(f"--{command}=valve")) == 2]
-        self.assertEqual(sorted(re.findall(r"`(\w+)`", said)), sorted(asking))
+        checking = [command for command in MODULE_COMMANDS
+                    if len(requests_of_the_tool(f"--{command}=valve")) == 2]
+        self.assertEqual(sorted(re.findall(r"`(\w+)`", said)), sorted(checking))
 
     def test_the_replies_of_the_simulator_fit_their_schemas(self):
         with support.Engine():
@@ -122,11 +117,12 @@ class Protocol(unittest.TestCase):
         for reply, expected in [(refusal, 76), ({**refusal, **status}, 6)]:
             with self.subTest(reply):
                 self.assertEqual(expected == 6, validator("engine-status-reply").is_valid(reply))
-                ended = run_beside(reply, "--engine-status")[1]
+                ended = run_with_reply(reply, "--engine-status")[1]
                 self.assertEqual(expected, ended.returncode)
                 self.assertNotIn("Not now", ended.stdout + ended.stderr)
-                # The gate has no look at the code.
-                gated = [json.loads(r)["command"] for r in run_beside(reply, "--start=valve")[0]]
+                # The check of debug mode ignores the code.
+                requests = run_with_reply(reply, "--start=valve")[0]
+                gated = [json.loads(request)["command"] for request in requests]
                 self.assertEqual(["engine-status", "start"][:1 + (expected == 6)], gated)
 
     def test_the_schemas_refuse_what_the_guide_rules_out(self):
@@ -155,19 +151,50 @@ class Protocol(unittest.TestCase):
         validator("engine-status-reply").validate(status)
 
     def test_each_fault_ends_as_the_table_says(self):
-        rows = re.findall(r"^\|[^|]+\| (`[\w-]+`)? *\| ([^|]+) \| ([^|]+) \|$", GUIDE.read_text(),
-                          re.M)
-        rows = [row for row in rows if row[0] and row[0] != "`--fault`"]
-        self.assertGreater(len(rows), 7)
-        for fault, plain, gated in rows:
-            with self.subTest(fault), support.Engine(f"--fault={fault.strip('`')}"):
-                if plain.startswith("the code"):
-                    plain = str(ask('{"command":"list"}')["resultCode"])
-                expected = [int(re.match(r"\d+", status).group()) for status in (plain, gated)]
+        rows = re.findall(r"^\| ([^|]+) \| (?:`([\w-]+)` )?\| (\d+|the code) \| (\d+)[^|]* \|$",
+                          GUIDE.read_text(), re.M)
+        self.assertEqual(set(OTHER_ENGINES), {case for case, fault, _, _ in rows if not fault})
+        for case, fault, plain, gated in rows:
+            engine = support.Engine(f"--fault={fault}") if fault else OTHER_ENGINES[case]
+            with self.subTest(case), engine:
+                if plain == "the code":
+                    plain = ask('{"command":"list"}')["resultCode"]
                 runs = [subprocess.Popen([support.QUORLAN, option], stdout=subprocess.DEVNULL,
                                          stderr=subprocess.DEVNULL)
                         for option in ["--status=valve", "--start=valve"]]
-                self.assertEqual(expected, [run.wait(support.PATIENCE) for run in runs])
+                self.assertEqual([int(plain), int(gated)],
+                                 [run.wait(raw_peer.SYSTEM_PATIENCE) for run in runs])
+
+    def test_a_gated_command_is_sent_without_a_result_code(self):
+        requests = run_with_reply({"debugModeEnabled": True}, "--start=valve")[0]
+        self.assertEqual(2, len(requests))
+
+    def test_a_connection_left_open_loses_a_short_reply_and_keeps_whole_blocks(self):
+        reply = b'{"description":"d","resultCode":0}'
+        for size, expected in [(8191, (76, "")), (8192, (0, "d\n")), (8193, (0, "d\n"))]:
+            with self.subTest(size), raw_peer.Peer(reply.ljust(size), leave_open=True):
+                ended = support.run([support.QUORLAN, "--update"])
+                self.assertEqual(expected, (ended.returncode, ended.stdout), ended.stderr)
+
+    def test_texts_are_printed_as_utf_8_and_other_bytes_refused(self):
+        def saying(text):
+            return b'{"description":"' + text + b'","resultCode":0}'
+
+        for reply, expected in [
+                (saying("\u00e9\u20ac".encode()), "\u00e9\u20ac\n".encode()),
+                (saying(b"\\u00e9\\ud83d\\ude00"), "\u00e9\U0001f600\n".encode()),
+                (saying(b"\\u001b[31m\\t"), b"\x1b[31m\t\n"),
+                (saying("\u00e9".encode("latin-1")), None),
+                (saying(b"\x1b"), None),
+                (saying(b"\xff"), None),
+                (saying(b"ok") + b"\xff and more", b"ok\n"),
+                (b"\xef\xbb\xbf" + saying(b"ok"), None),
+        ]:
+            with self.subTest(reply), raw_peer.Peer(reply):
+                ended = subprocess.run([support.QUORLAN, "--update"], capture_output=True,
+                                       timeout=support.PATIENCE, check=False)
+                self.assertEqual((76, b"") if expected is None else (0, expected),
+                                 (ended.returncode, ended.stdout), ended.stderr)
 
 
 if __name__ == "__main__":

@@ -1,4 +1,6 @@
-"""Runs every recipe of docs/scripting.md, with the engine well and with the fault it is for."""
+"""Runs every recipe of docs/scripting.md, with a healthy engine and with the fault it guards
+against.
+"""
 
 import fcntl
 import json
@@ -21,7 +23,7 @@ RECIPES = dict(re.findall(r"^<!-- recipe: (\S+) -->\n```\w+\n(.*?)^```", GUIDE.r
 
 
 class DrippingEngine:
-    """Answers every request with one blank a second, and never comes to an end."""
+    """Answers every request with one space a second and never ends the reply."""
 
     def __enter__(self):
         self.listener = socket.create_server(("127.0.0.1", 7777))

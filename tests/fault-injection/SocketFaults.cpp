@@ -2,16 +2,15 @@
 // the C library fail as the system may make them fail, or move fewer bytes than asked.
 //
 // Environment, read at each call:
-//   FAULT_CALL   the call: socket, connect, setsockopt, getsockopt, fcntl, ioctl, send, recv, poll,
-//                shutdown or close
+//   FAULT_CALL   the call: socket, connect, setsockopt, fcntl, send, recv or close
 //   FAULT_NTH    the first one that fails, from 1; none if it is not given
 //   FAULT_TIMES  how many fail in a row; 1 if it is not given
 //   FAULT_ERRNO  the error number that they fail with
 //   FAULT_LIMIT  the most bytes that one send or recv moves
 //   FAULT_MARK   a file that is made when a call fails, so that a test that goes from the first
 //                call to the last knows when there are no more
-//   FAULT_LOG    a file that is told of each receive time-out, in microseconds, and each change of
-//                a descriptor's flags, a line each
+//   FAULT_LOG    a file that lists each receive time-out, in microseconds, and each change of a
+//                descriptor's flags, a line each
 //
 // Calls that the C library makes by itself, such as the writes behind a standard stream, don't pass
 // here.
@@ -25,8 +24,6 @@
 #include <string>
 
 #include <dlfcn.h>
-#include <poll.h>
-#include <sys/ioctl.h>
 #include <sys/socket.h>
 #include <sys/time.h>
 
@@ -86,13 +83,6 @@ int setsockopt(int descriptor, int level, int name, const void* value, socklen_t
                : Next(setsockopt, "setsockopt")(descriptor, level, name, value, length);
 }
 
-int getsockopt(int descriptor, int level, int name, void* value, socklen_t* length) noexcept
-{
-    return Fails("getsockopt")
-               ? -1
-               : Next(getsockopt, "getsockopt")(descriptor, level, name, value, length);
-}
-
 ssize_t send(int descriptor, const void* data, std::size_t size, int flags)
 {
     return Fails("send") ? -1 : Next(send, "send")(descriptor, data, Limited("send", size), flags);
@@ -103,30 +93,11 @@ ssize_t recv(int descriptor, void* data, std::size_t size, int flags)
     return Fails("recv") ? -1 : Next(recv, "recv")(descriptor, data, Limited("recv", size), flags);
 }
 
-int poll(pollfd* descriptors, nfds_t count, int milliseconds)
-{
-    return Fails("poll") ? -1 : Next(poll, "poll")(descriptors, count, milliseconds);
-}
-
-int shutdown(int descriptor, int how) noexcept
-{
-    return Fails("shutdown") ? -1 : Next(shutdown, "shutdown")(descriptor, how);
-}
-
 // Linux closes the descriptor whatever it reports.
 int close(int descriptor)
 {
     const int result = Next(close, "close")(descriptor);
     return Fails("close") ? -1 : result;
-}
-
-int ioctl(int descriptor, unsigned long request, ...) noexcept
-{
-    va_list rest;
-    va_start(rest, request);
-    void* const argument = va_arg(rest, void*);
-    va_end(rest);
-    return Fails("ioctl") ? -1 : Next(ioctl, "ioctl")(descriptor, request, argument);
 }
 
 int fcntl(int descriptor, int command, ...)

@@ -105,7 +105,7 @@ TEST_P(SocketFaults, EndAsTheTableSays)
     for (int nth = 1; nth <= lastCall; ++nth) {
         SCOPED_TRACE(std::string(row.call) + " number " + std::to_string(nth));
         const bool inQuery = nth <= row.callsPerExchange;
-        ScriptedEngine engine{debugModeOn, R"({"description":"ok","resultCode":0})"};
+        ScriptedEngine engine{debugModeOn, accepted};
         const auto fault = InjectedFault::OfCall(row.call, nth, row.error, row.times);
 
         EXPECT_EQ(RunTool(Words("--start abc")), ExpectedOutcome(row, inQuery));
@@ -114,7 +114,7 @@ TEST_P(SocketFaults, EndAsTheTableSays)
         EXPECT_EQ(engine.Requests(), ExpectedRequests(row, inQuery));
     }
 
-    ScriptedEngine engine{debugModeOn, R"({"description":"ok","resultCode":0})"};
+    ScriptedEngine engine{debugModeOn, accepted};
     const auto fault = InjectedFault::OfCall(row.call, lastCall + 1, row.error);
     EXPECT_EQ(RunTool(Words("--start abc")), (Outcome{0, "ok\n", ""}));
     EXPECT_FALSE(fault.Happened()) << "there are more calls than the table knows";
@@ -138,7 +138,7 @@ TEST_F(SocketFaults, ThatMoveOneByteAtATimeChangeNothing)
 {
     for (const char* const call : {"send", "recv"}) {
         SCOPED_TRACE(call);
-        ScriptedEngine engine{debugModeOn, R"({"description":"ok","resultCode":0})"};
+        ScriptedEngine engine{debugModeOn, accepted};
         const auto fault = InjectedFault::ShortTransfers(call, 1);
 
         EXPECT_EQ(RunTool(Words("--start abc")), (Outcome{0, "ok\n", ""}));
@@ -149,7 +149,7 @@ TEST_F(SocketFaults, ThatMoveOneByteAtATimeChangeNothing)
 
 TEST_F(SocketFaults, AreNotNeededToSeeThatEveryExchangeSetsItsWaitAndThenItsMode)
 {
-    ScriptedEngine engine{debugModeOn, R"({"description":"ok","resultCode":0})"};
+    ScriptedEngine engine{debugModeOn, accepted};
     const auto fault = InjectedFault::None();
 
     EXPECT_EQ(RunTool(Words("--start abc")), (Outcome{0, "ok\n", ""}));

@@ -13,33 +13,35 @@ namespace {
 struct Command
 {
     char letter; // of its option; update and update-status have none and take U and S
+    bool gated;  // sent only if the engine says that debug mode is on
     Arguments arguments;
     std::string request;
     Report report;
-    bool gated = false; // sent only if the engine says that debug mode is on
 };
 
 const Command commands[] = {
-    {'u', {"--status=m1"}, R"({"command":"status","module":"m1"})", ExpectSentence},
-    {'i', {"-i", "m1"}, R"({"command":"pid","module":"m1"})", ExpectSentence},
-    {'d', {"--debug=TRUE"}, R"({"boolean":"TRUE","command":"debug"})", ExpectSentence},
-    {'U', {"--update"}, R"({"command":"update"})", ExpectSentence},
-    {'S', {"--update-status"}, R"({"command":"update-status"})", ExpectSentence},
-    {'s', {"--start", "m1"}, R"({"command":"start","module":"m1"})", ExpectSentence, true},
-    {'p', {"--stop", "m1"}, R"({"command":"stop","module":"m1"})", ExpectSentence, true},
-    {'r', {"--restart", "m1"}, R"({"command":"restart","module":"m1"})", ExpectSentence, true},
-    {'c', {"-c", "m1"}, R"({"command":"reconfigure","module":"m1"})", ExpectSentence, true},
-    {'m', {"--monitor", "m1"}, R"({"command":"monitor","module":"m1"})", ExpectSentence, true},
-    {'e', {"--engine-status"}, R"({"command":"engine-status"})", ExpectStatus},
-    {'l', {"--list"}, R"({"command":"list"})", ExpectList},
+    {'u', false, {"--status=m1"}, R"({"command":"status","module":"m1"})", ExpectSentence},
+    {'i', false, {"-i", "m1"}, R"({"command":"pid","module":"m1"})", ExpectSentence},
+    {'d', false, {"--debug=TRUE"}, R"({"boolean":"TRUE","command":"debug"})", ExpectSentence},
+    {'U', false, {"--update"}, R"({"command":"update"})", ExpectSentence},
+    {'S', false, {"--update-status"}, R"({"command":"update-status"})", ExpectSentence},
+    {'s', true, {"--start", "m1"}, R"({"command":"start","module":"m1"})", ExpectSentence},
+    {'p', true, {"--stop", "m1"}, R"({"command":"stop","module":"m1"})", ExpectSentence},
+    {'r', true, {"--restart", "m1"}, R"({"command":"restart","module":"m1"})", ExpectSentence},
+    {'c', true, {"-c", "m1"}, R"({"command":"reconfigure","module":"m1"})", ExpectSentence},
+    {'m', true, {"--monitor", "m1"}, R"({"command":"monitor","module":"m1"})", ExpectSentence},
+    {'e', false, {"--engine-status"}, R"({"command":"engine-status"})", ExpectStatus},
+    {'l', false, {"--list"}, R"({"command":"list"})", ExpectList},
 };
 
-const Command& Chosen(std::uint8_t byte)
+const Command& Chosen(char letter)
 {
     const auto* const found =
         std::find_if(std::begin(commands), std::end(commands),
-                     [byte](const Command& command) { return command.letter == byte; });
-    return found != std::end(commands) ? *found : commands[byte % std::size(commands)];
+                     [letter](const Command& command) { return command.letter == letter; });
+    return found != std::end(commands)
+               ? *found
+               : commands[static_cast<std::uint8_t>(letter) % std::size(commands)];
 }
 
 // A line "--" separates the reply to a gated command's query from the one to the command. Without
@@ -101,7 +103,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size == 0) {
         return 0;
     }
-    const Command& command = Chosen(data[0]);
+    const Command& command = Chosen(static_cast<char>(data[0]));
     const std::string rest(data + 1, data + size);
     const Replies replies = command.gated ? SplitReplies(rest) : Replies{rest};
     const RunResult expected = Expected(command, replies);

@@ -1,5 +1,4 @@
-// This program is linked with static/Arena.cpp, so every operator new and delete in it is the
-// arena's.
+// static/Arena.cpp is linked in, so every operator new and delete here is the arena's.
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
-// Code that needs every protection, for those that leave a mark only where they are needed and that
-// the tool itself gives no occasion for. It is compiled like the tool and looked at, never run.
+// Some protections leave a trace only in code that needs them, and the tool has none. This code
+// does. It is compiled like the tool and never run.
 
 #include <cstring>
 

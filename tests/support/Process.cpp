@@ -42,7 +42,7 @@ bool Outcome::operator==(const Outcome& other) const
 
 void PrintTo(const Outcome& outcome, std::ostream* stream)
 {
-    // Blanks at the end of a line matter in the reports, so each line shows its end.
+    // Spaces at the end of a line matter in the reports, so each line shows its end.
     const auto show = [stream](const char* name, const std::string& text) {
         *stream << "\n  " << name << ": ";
         for (const char c : text) {

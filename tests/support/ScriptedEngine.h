@@ -46,7 +46,7 @@ private:
 Script Reply(std::string reply);
 
 /// An engine on 127.0.0.1:7777 that does with each connection what the test told it, in order, and
-/// tells what it received. A connection without a script is closed; it counts as received too.
+/// keeps what it received. A connection without a script is closed; it counts as received too.
 class ScriptedEngine
 {
 public:
@@ -73,7 +73,7 @@ public:
     /// the listener is closed, so that the client cannot be faster.
     void StopListeningAfter(std::size_t connectionCount);
 
-    /// Stops listening, waits for the last connection to end and tells what came in, a connection
+    /// Stops listening, waits for the last connection to end and returns what came in, a connection
     /// each.
     const std::vector<Connection>& Connections();
     /// The same, as the bytes alone.

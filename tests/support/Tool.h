@@ -11,8 +11,8 @@ enum class Terminal { None, Output, Error, Both };
 /// Runs the tool to its end, with standard input empty.
 ///
 /// It is the binary of the same build, or the one that the environment variable QUORLAN_BINARY
-/// names; QUORLAN_LAUNCHER may hold blank-separated words to put in front of it, such as an
-/// emulator.
+/// names; QUORLAN_LAUNCHER may hold words, with spaces between them, to put in front of
+/// it, such as an emulator.
 Outcome RunTool(const std::vector<std::string>& arguments, Terminal terminal = Terminal::None);
 
 /// The same under another name: a link to the tool whose last path component is name.
@@ -24,5 +24,5 @@ std::vector<std::string> WritesOfTool(const std::vector<std::string>& arguments)
 /// Runs a script of the shell, in which $QUORLAN stands for the tool with what is in front of it.
 Outcome RunShell(const std::string& script);
 
-/// Splits a command line at blanks, for tests that read better with one.
+/// Splits a command line at its spaces, for tests that read better with one.
 std::vector<std::string> Words(const std::string& line);

@@ -1,4 +1,4 @@
-# Sourced by the scripts that read a binary's facts back. They end with "exit $status".
+# For the scripts that check a binary, which source it and end with "exit $status".
 # shellcheck shell=sh disable=SC2034 # status is for the script
 status=0
 

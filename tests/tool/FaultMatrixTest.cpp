@@ -2,16 +2,19 @@
 //
 // A row of the table says what the engine does in place of its reply and what the tool makes of it:
 // nothing is wrong (good), or the reply cannot be read for the reason given, in POCO's words.
+// Replies that are cut off at any byte are tried in tests/unit/TruncatedReplyTest.cpp.
 
 #include "tests/support/ScriptedEngine.h"
 #include "tests/support/Tool.h"
-#include "tests/tool/Exchanges.h"
+#include "tests/tool/Scenarios.h"
+#include "tests/tool/Texts.h"
 
 #include <gtest/gtest.h>
 
 #include <chrono>
 #include <functional>
 #include <iterator>
+#include <optional>
 #include <tuple>
 
 using namespace std::chrono_literals;
@@ -23,11 +26,22 @@ constexpr const char* endOfText = "JSON Exception: unexpected end of text";
 constexpr const char* tooDeep = "JSON Exception: Maximum depth exceeded";
 constexpr const char* noObject = "JSON Exception: Attempt to set value on an empty stack";
 
+// The type names are the compiler's.
+constexpr const char* notAnObject =
+    "Bad cast exception: Can not convert "
+    "N4Poco9SharedPtrINS_4JSON5ArrayENS_16ReferenceCounterENS_13ReleasePolicyIS2_EEEE to "
+    "N4Poco9SharedPtrINS_4JSON6ObjectENS_16ReferenceCounterENS_13ReleasePolicyIS2_EEEE.";
+
+enum class Manner { Ordinary, Unread, KeptOpen };
+constexpr Manner unread = Manner::Unread;     // the engine does not read its request
+constexpr Manner keptOpen = Manner::KeptOpen; // the engine leaves it to the tool to give up
+
 struct Fault
 {
     const char* name;
     std::function<Script(const std::string& reply)> engine;
     const char* reason;
+    Manner manner = Manner::Ordinary;
 };
 
 void PrintTo(const Fault* fault, std::ostream* stream)
@@ -54,11 +68,10 @@ std::string PaddedTo(std::size_t size, std::string reply)
     return reply;
 }
 
-std::string AtTheEndOf(std::size_t size, const std::string& reply)
+/// A reply of the same meaning with another member in front.
+std::string WithMember(const std::string& reply, const std::string& member)
 {
-    std::string bytes(size, ' ');
-    reply.copy(&bytes[size - reply.size()], reply.size());
-    return bytes;
+    return "{" + member + "," + reply.substr(1);
 }
 
 /// Nested arrays in a member that nobody reads; the root object is one level too.
@@ -81,31 +94,31 @@ std::string WithEntries(std::size_t count, const std::string& reply)
 // clang-format off
 const Fault faultTable[] = {
     // The connection ends early.
-    {"ClosedUnread",         [](auto&)   { return Script().CloseWithoutReading(); }, endOfText},
+    {"ClosedUnread",         [](auto&)   { return Script().CloseWithoutReading(); }, endOfText, unread},
     {"ClosedWithoutReply",   [](auto&)   { return Answer(""); }, endOfText},
     {"ClosedInReply",        [](auto& r) { return Answer(r.substr(0, r.find(':') + 1)); }, endOfText},
-    {"ResetUnread",          [](auto&)   { return Script().Reset(); }, endOfText},
+    {"ResetUnread",          [](auto&)   { return Script().Reset(); }, endOfText, unread},
     {"ResetBeforeReply",     [](auto&)   { return Script().AwaitRequest().Reset(); }, endOfText},
     {"ResetInReply",         [](auto& r) { return Answer(Half(r)).Reset(); }, endOfText},
     {"ResetAfterReply",      [](auto& r) { return Answer(r).Reset(); }, endOfText},
     {"ResetAfterWholeBlock", [](auto& r) { return Answer(PaddedTo(8192, r)).Reset(); }, good},
 
     // The connection does not end.
-    {"Silent",               [](auto&)   { return Answer("").AwaitClientClose(); }, endOfText},
-    {"SilentInReply",        [](auto& r) { return Answer(Half(r)).AwaitClientClose(); }, endOfText},
-    {"SilentAfterReply",     [](auto& r) { return Answer(r).AwaitClientClose(); }, endOfText},
+    {"Silent",               [](auto&)   { return Answer("").AwaitClientClose(); }, endOfText, keptOpen},
+    {"SilentInReply",        [](auto& r) { return Answer(Half(r)).AwaitClientClose(); }, endOfText, keptOpen},
+    {"SilentAfterReply",     [](auto& r) { return Answer(r).AwaitClientClose(); }, endOfText, keptOpen},
     {"SilentAfterWholeBlock",
                              [](auto& r) { return Answer(PaddedTo(8192, r)).AwaitClientClose(); },
-                             good},
+                             good, keptOpen},
     {"SilentAfterThreeBlocks",
                              [](auto& r) { return Answer(PaddedTo(24576, r)).AwaitClientClose(); },
-                             good},
+                             good, keptOpen},
     {"SilentJustBeforeBlock",
                              [](auto& r) { return Answer(PaddedTo(8191, r)).AwaitClientClose(); },
-                             endOfText},
+                             endOfText, keptOpen},
     {"SilentInSecondBlock",  [](auto& r) { return Answer(std::string(8192, ' ') + r).AwaitClientClose(); },
-                             endOfText},
-    {"WaitsForClientToClose",[](auto& r) { return Script().AwaitClientClose().Send(r); }, endOfText},
+                             endOfText, keptOpen},
+    {"WaitsForClientToClose",[](auto& r) { return Script().AwaitClientClose().Send(r); }, endOfText, keptOpen},
 
     // The connection is slow.
     {"SlowerThanTheWait",    [](auto& r) { return Answer("{").SendInPieces(r.substr(1, 1), 1, 6s)
@@ -119,13 +132,13 @@ const Fault faultTable[] = {
     {"RepliesBeforeItReads", [](auto& r) { return Script().Send(r); }, good},
 
     // The reply is no JSON.
-    {"Blank",                [](auto&)   { return Answer("   \n"); }, endOfText},
+    {"OnlySpaces",           [](auto&)   { return Answer("   \n"); }, endOfText},
     {"OneBrace",             [](auto&)   { return Answer("{"); }, endOfText},
     {"Garbage",              [](auto&)   { return Answer("\x01\x7f\xfe garbage"); },
                              "JSON Exception: unexpected byte '\x01' in value"},
-    {"Words",                [](auto&)   { return Answer("everything is fine\n"); },
+    {"Text",                 [](auto&)   { return Answer("everything is fine\n"); },
                              "JSON Exception: unexpected byte 'e' in value"},
-    // The text of the error ends at the NUL that it tells of.
+    // The text of the error ends at the NUL that it names.
     {"NulByte",              [](auto& r) { return Answer(std::string(1, '\0') + r); },
                              "JSON Exception: unexpected byte '"},
     {"NulBehind",            [](auto& r) { return Answer(r + std::string(1, '\0')); },
@@ -152,16 +165,17 @@ const Fault faultTable[] = {
     {"NumberRoot",           [](auto&)   { return Answer("1"); }, noObject},
     {"TrueRoot",             [](auto&)   { return Answer("true"); }, noObject},
     {"NullRoot",             [](auto&)   { return Answer("null"); }, noObject},
+    {"ArrayRoot",            [](auto& r) { return Answer("[" + r + "]"); }, notAnObject},
 
     // The reply is unusual, and that is all.
-    {"BlanksAround",         [](auto& r) { return Answer("\r\n\t " + r + "\r\n\t "); }, good},
+    {"SpacesAround",         [](auto& r) { return Answer("\r\n\t " + r + "\r\n\t "); }, good},
     {"DuplicateKeys",        [](auto& r) { return Answer(WithMember(r,
                                  R"("resultCode":9,"description":"first","debugModeEnabled":false)")); },
                              good},
-    {"TenThousandEntries",   [](auto& r) { return Answer(WithEntries(10000, r)); }, good},
+    {"ThousandEntries",      [](auto& r) { return Answer(WithEntries(1000, r)); }, good},
     {"OneBlock",             [](auto& r) { return Answer(PaddedTo(8192, r)); }, good},
     {"OneBlockAndAByte",     [](auto& r) { return Answer(PaddedTo(8193, r)); }, good},
-    {"SixtyFourMebibytes",   [](auto& r) { return Answer(AtTheEndOf(64 << 20, r)); }, good},
+    {"OneMebibyte",          [](auto& r) { return Answer(std::string(1 << 20, ' ') + r); }, good},
 
     // The reply is nested.
     {"Nested100",            [](auto& r) { return Answer(Nested(100, r)); }, good},
@@ -171,43 +185,72 @@ const Fault faultTable[] = {
 };
 // clang-format on
 
-using Cell = std::tuple<const Exchange*, const Fault*>;
+using Cell = std::tuple<const Scenario*, const Fault*>;
 
 class FaultMatrix: public testing::TestWithParam<Cell>
 {
 };
 
-std::string CellName(const testing::TestParamInfo<Cell>& cell)
+class RefusedExchange: public testing::TestWithParam<const Scenario*>
 {
-    const auto [exchange, fault] = cell.param;
-    return exchange->name + "_" + fault->name;
-}
+};
+
+const auto scenarios = testing::Range(Scenarios().data(), Scenarios().data() + Scenarios().size());
 
 } // namespace
 
 TEST_P(FaultMatrix, EndsAsTheTableSays)
 {
-    const Exchange& exchange = *std::get<const Exchange*>(GetParam());
+    const Scenario& scenario = *std::get<const Scenario*>(GetParam());
     const Fault& fault = *std::get<const Fault*>(GetParam());
     ScriptedEngine engine;
-    exchange.ServeUpToFault(engine);
-    engine.OnConnection(fault.engine(exchange.Reply()));
-    exchange.ServeAfterFault(engine);
+    scenario.ServeUpToFault(engine);
+    engine.OnConnection(fault.engine(scenario.Reply()));
+    scenario.ServeAfterFault(engine);
 
-    const Outcome outcome = RunTool(exchange.commandLine);
+    const Outcome outcome = RunTool(scenario.commandLine);
 
-    EXPECT_EQ(outcome, fault.reason == good ? exchange.good : exchange.Unreadable(fault.reason));
-    // An engine that does not read sees no request; the tool has sent it all the same.
-    if (std::string(fault.name).find("Unread") == std::string::npos) {
-        EXPECT_EQ(engine.Requests(),
-                  fault.reason == good ? exchange.requests : exchange.RequestsUpToFault());
+    const bool isGood = fault.reason == good;
+    EXPECT_EQ(outcome, isGood ? scenario.good : scenario.Unreadable(fault.reason));
+    if (fault.manner == Manner::Unread) {
+        // The tool has sent its request all the same.
+        EXPECT_EQ(engine.Connections().size(), scenario.faulty + 1);
     } else {
-        EXPECT_EQ(engine.Connections().size(), exchange.faulty + 1);
+        EXPECT_EQ(engine.Requests(), isGood ? scenario.requests : scenario.RequestsUpToFault());
+    }
+    if (fault.manner == Manner::KeptOpen) {
+        EXPECT_GT(engine.Connections().at(scenario.faulty).patience.count(), 4.5);
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(Faults, FaultMatrix,
-                         testing::Combine(testing::ValuesIn(Exchanges()),
-                                          testing::Range(std::begin(faultTable),
-                                                         std::end(faultTable))),
-                         CellName);
+                         testing::Combine(scenarios, testing::Range(std::begin(faultTable),
+                                                                    std::end(faultTable))),
+                         [](const auto& cell) {
+                             return std::get<0>(cell.param)->name + "_" +
+                                    std::get<1>(cell.param)->name;
+                         });
+
+TEST_P(RefusedExchange, EndsTheRun)
+{
+    const Scenario& scenario = *GetParam();
+    std::optional<ScriptedEngine> engine;
+    if (scenario.faulty > 0) {
+        engine.emplace();
+        scenario.ServeUpToFault(*engine);
+        engine->StopListeningAfter(scenario.faulty);
+    }
+
+    EXPECT_EQ(RunTool(scenario.commandLine), scenario.Refused());
+}
+
+INSTANTIATE_TEST_SUITE_P(Faults, RefusedExchange, scenarios,
+                         [](const auto& scenario) { return scenario.param->name; });
+
+TEST(Reply, OfAnySizeIsReadWhole)
+{
+    ScriptedEngine engine;
+    engine.OnConnection(Answer(std::string(64 << 20, ' ') + accepted));
+
+    EXPECT_EQ(RunTool({"--update"}), (Outcome{0, "ok\n", ""}));
+}

@@ -1,4 +1,5 @@
-// The tables of services and modules.
+// The tables of --list. What they make of a value that is missing or of another type is in
+// ReplyMembersTest.cpp.
 
 #include "tests/support/ScriptedEngine.h"
 #include "tests/support/Tool.h"
@@ -11,15 +12,14 @@ namespace {
 const std::string rule55(55, '-');
 const std::string rule70(70, '-');
 
-const std::string noServices =
-    "SERVICE NAME             STATE          VERSION        \n" + rule55 + "\nNone are loaded!\n\n";
-const std::string noModules =
-    "MODULE NAME              STATE          VERSION        \n" + rule55 + "\nNone are loaded!\n\n";
-
 const std::string serviceHeading =
     "SERVICE NAME             STATE          VERSION        \n" + rule55 + "\n";
 const std::string watchedServiceHeading =
     "SERVICE NAME             STATE          HEARTBEAT      VERSION        \n" + rule70 + "\n";
+const std::string moduleHeading =
+    "MODULE NAME              STATE          VERSION        \n" + rule55 + "\n";
+const std::string noServices = serviceHeading + "None are loaded!\n\n";
+const std::string noModules = moduleHeading + "None are loaded!\n\n";
 
 /// A reply whose services are the given entries and that has no modules.
 std::string Services(const std::string& entries)
@@ -88,54 +88,23 @@ TEST(Listing, DecidesAboutTheHeartbeatColumnForEachTable)
         (Outcome{0,
                  watchedServiceHeading +
                      "a                        up             yes            1              \n"
-                     "\n"
-                     "MODULE NAME              STATE          VERSION        \n" +
-                     rule55 +
-                     "\n"
+                     "\n" +
+                     moduleHeading +
                      "b                        up             1              \n"
                      "\n",
                  ""}));
 }
 
-TEST(Listing, StopsAtTheRowThatLacksWhatAnotherRowBroughtIn)
+TEST(Listing, StopsAtTheRowThatHasNoHeartbeatOrNullWhereTheColumnIsShown)
 {
+    const Outcome stopped{76, watchedServiceHeading + "a                        up             ",
+                          missingValue};
+
     EXPECT_EQ(ListOf(Services(R"({"name":"a","state":"up","version":"1"},
                                  {"name":"b","state":"up","monitored":true,"version":"1"})")),
-              (Outcome{76, watchedServiceHeading + "a                        up             ",
-                       missingValue}));
-}
-
-TEST(Listing, TakesANullHeartbeatForPresentAndThenFailsOnIt)
-{
+              stopped);
     EXPECT_EQ(ListOf(Services(R"({"name":"a","state":"up","monitored":null,"version":"1"})")),
-              (Outcome{76, watchedServiceHeading + "a                        up             ",
-                       missingValue}));
-}
-
-TEST(Listing, ConvertsAHeartbeatOfAnotherType)
-{
-    EXPECT_EQ(
-        ListOf(Services(R"({"name":"a","state":"up","monitored":2,"version":"1"},
-                                 {"name":"b","state":"up","monitored":0,"version":"1"},
-                                 {"name":"c","state":"up","monitored":"false","version":"1"})")),
-        (Outcome{0,
-                 watchedServiceHeading +
-                     "a                        up             yes            1              \n"
-                     "b                        up             no             1              \n"
-                     "c                        up             no             1              \n"
-                     "\n" +
-                     noModules,
-                 ""}));
-}
-
-TEST(Listing, ConvertsTextsOfAnotherType)
-{
-    EXPECT_EQ(
-        ListOf(Services(R"({"name":7,"state":3,"version":1.5})")),
-        (Outcome{0,
-                 serviceHeading + "7                        3              1.5            \n\n" +
-                     noModules,
-                 ""}));
+              stopped);
 }
 
 TEST(Listing, WritesLongTextsWholeAndLetsThemPushTheRow)
@@ -157,35 +126,6 @@ TEST(Listing, OfARefusalPrintsTheDescriptionOnStandardErrorAndNoTable)
 {
     EXPECT_EQ(ListOf(R"({"resultCode":7,"description":"not ready","services":[],"modules":[]})"),
               (Outcome{7, "", "not ready\n"}));
-}
-
-TEST(Listing, OfARefusalWithoutADescriptionIsABadReply)
-{
-    EXPECT_EQ(ListOf(R"({"resultCode":7})"), (Outcome{76, "", missingValue}));
-    EXPECT_EQ(ListOf(R"({"resultCode":7,"description":null})"), (Outcome{76, "", missingValue}));
-}
-
-TEST(Listing, WithoutAnEngineTellsOnlyOfTheConnection)
-{
-    EXPECT_EQ(RunTool({"--list"}), (Outcome{69, connectionRefused, ""}));
-}
-
-TEST(Listing, OfAReplyThatIsNoObjectPrintsNothing)
-{
-    EXPECT_EQ(ListOf(""), (Outcome{76, "", emptyReply}));
-    const Outcome array = ListOf("[]");
-    EXPECT_EQ(array.status, 76);
-    EXPECT_EQ(array.out, "");
-    EXPECT_EQ(array.err.find(badReply + "Bad cast exception: Can not convert "), 0U) << array.err;
-}
-
-TEST(Listing, NeedsAUsableResultCodeBeforeAnyTable)
-{
-    EXPECT_EQ(ListOf(R"({"services":[],"modules":[]})"), (Outcome{76, "", missingValue}));
-    EXPECT_EQ(ListOf(R"({"resultCode":null,"services":[],"modules":[]})"),
-              (Outcome{76, "", missingValue}));
-    EXPECT_EQ(ListOf(R"({"resultCode":"x","services":[],"modules":[]})"),
-              (Outcome{76, "", badReply + "Syntax error: Not a valid integer: x\n"}));
 }
 
 TEST(Listing, WithoutServicesPrintsNothing)
@@ -219,20 +159,4 @@ TEST(Listing, PrintsTheRowsBeforeAnEntryThatTheSearchForAHeartbeatDidNotReach)
                  watchedServiceHeading +
                      "a                        up             yes            1              \n",
                  nullPointer}));
-}
-
-TEST(Listing, PrintsTheCellsBeforeAMissingValue)
-{
-    const std::string firstRow = "a                        up             1              \n";
-    const std::string entry = R"({"name":"a","state":"up","version":"1"},)";
-
-    EXPECT_EQ(ListOf(Services(entry + R"({"state":"up","version":"1"})")),
-              (Outcome{76, serviceHeading + firstRow, missingValue}));
-    EXPECT_EQ(ListOf(Services(entry + R"({"name":"b","version":"1"})")),
-              (Outcome{76, serviceHeading + firstRow + "b                        ", missingValue}));
-    EXPECT_EQ(ListOf(Services(entry + R"({"name":"b","state":"up"})")),
-              (Outcome{76, serviceHeading + firstRow + "b                        up             ",
-                       missingValue}));
-    EXPECT_EQ(ListOf(Services(entry + R"({"name":"b","state":null,"version":"1"})")),
-              (Outcome{76, serviceHeading + firstRow + "b                        ", missingValue}));
 }

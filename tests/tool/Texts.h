@@ -17,15 +17,17 @@ inline const std::string missingValue = badReply + "Invalid access: Can not conv
 inline const std::string nullPointer = badReply + "Null pointer\n";
 
 // Requests and replies that many tests need and none is about.
-inline const std::string engineStatusRequest = R"({"command":"engine-status"})";
+inline const char* const engineStatusRequest = R"({"command":"engine-status"})";
 inline const char* const debugModeOn = R"({"debugModeEnabled":true,"resultCode":0})";
 inline const char* const debugModeOff = R"({"debugModeEnabled":false,"resultCode":0})";
+inline const char* const accepted = R"({"description":"ok","resultCode":0})";
+inline const char* const refused = R"({"description":"no","resultCode":3})";
 
 // An ordinary status of the engine, and the report of it.
 inline const char* const ordinaryStatus =
     R"({"safeModeEnabled":false,"debugModeEnabled":true,)"
     R"("state":"running","version":"1.0","build":"x","resultCode":0})";
-inline const std::string ordinaryStatusReport = "Vantrel status\n"
+inline const char* const ordinaryStatusReport = "Vantrel status\n"
                                                 "------------------------------\n"
                                                 "Safe mode:     disabled       \n"
                                                 "Debug mode:    enabled        \n"

@@ -18,21 +18,13 @@ std::string Text(const Field& field)
 TEST(Field, PadsAShortTextOnItsRight)
 {
     EXPECT_EQ(Text({"abc", 5}), "abc  ");
-}
-
-TEST(Field, WritesATextOfItsWidthAsItIs)
-{
-    EXPECT_EQ(Text({"abcde", 5}), "abcde");
+    EXPECT_EQ(Text({"", 3}), "   ");
 }
 
 TEST(Field, NeverCutsALongText)
 {
+    EXPECT_EQ(Text({"abcde", 5}), "abcde");
     EXPECT_EQ(Text({"abcdef", 5}), "abcdef");
-}
-
-TEST(Field, OfAnEmptyTextIsBlank)
-{
-    EXPECT_EQ(Text({"", 3}), "   ");
 }
 
 TEST(Field, LeavesNoWidthBehind)

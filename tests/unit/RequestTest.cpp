@@ -17,16 +17,7 @@ std::string Text(const Poco::JSON::Object& request)
 
 TEST(Request, HoldsTheCommandAloneWithoutAKey)
 {
-    EXPECT_EQ(Text(MakeRequest("list")), R"({"command":"list"})");
     EXPECT_EQ(Text(MakeRequest("update", "", "dropped")), R"({"command":"update"})");
-}
-
-TEST(Request, SendsItsKeysInAscendingOrder)
-{
-    EXPECT_EQ(Text(MakeRequest("start", "module", "mod1")),
-              R"({"command":"start","module":"mod1"})");
-    EXPECT_EQ(Text(MakeRequest("debug", "boolean", "true")),
-              R"({"boolean":"true","command":"debug"})");
 }
 
 TEST(Request, KeepsAnEmptyValueOfAKey)

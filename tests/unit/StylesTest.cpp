@@ -10,11 +10,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-TEST(Styles, AreOffAtStart)
-{
-    EXPECT_FALSE(useColors);
-}
-
 TEST(Styles, AreNeverActiveOnAStreamThatIsNoStandardStream)
 {
     useColors = true;
@@ -49,16 +44,8 @@ TEST(Styles, LookAtTheStreamTheyAreAppliedTo)
     dup2(error.Get(), STDERR_FILENO);
 
     EXPECT_TRUE(onOutputBefore);
-    EXPECT_FALSE(onOutput) << "each use looks anew";
+    EXPECT_FALSE(onOutput) << "each use looks again";
     EXPECT_TRUE(onError);
     EXPECT_TRUE(onLog);
     EXPECT_FALSE(onAnother);
-}
-
-TEST(Styles, CanBeChosenAtRunTime)
-{
-    std::ostringstream stream;
-    auto* const style = stream.good() ? Green : Red;
-
-    EXPECT_EQ(&style(stream), &stream);
 }
