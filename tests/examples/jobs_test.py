@@ -95,7 +95,6 @@ class SystemdUnit(RecipeTest):
         self.unit = (RECIPES / self.NAME).read_text().replace("/usr/local/bin", str(self.programs))
         self.start = re.search("^ExecStart=(.*)$", self.unit, re.M).group(1).replace("%i", "valve")
 
-    @unittest.skipIf(BUSYBOX, "no systemd there")
     def test_is_sound(self):
         (self.folder / self.NAME).write_text(self.unit)
         self.assertEqual("", self.assert_ends(0, "systemd-analyze", "verify", "--man=no",
@@ -115,7 +114,6 @@ class SystemdUnit(RecipeTest):
         self.assert_ends(69, *self.start.split())
 
 
-@unittest.skipIf(BUSYBOX, "the same there")
 class Examples(unittest.TestCase):
     def test_all_are_installed_as_they_are(self):
         for source in sorted((SOURCE / "examples").iterdir()):

@@ -20,8 +20,8 @@ BUSYBOX = os.environ["RECIPES_SHELL"] == "busybox"
 
 
 class Engine:
-    """A simulator that answers while the with-block runs. In a network of its own it is a device of
-    its own, for which network_of(engine) is the way in."""
+    """A simulator that answers while the with-block runs. In a network of its own it stands for a
+    device of its own."""
 
     def __init__(self, *arguments, own_network=False):
         self.arguments = arguments
@@ -30,10 +30,10 @@ class Engine:
         self.logged = threading.Condition()
 
     def __enter__(self):
-        enter = support._enter_own_loopback if self.own_network else None
-        self.process = subprocess.Popen([support.VANTREL_SIM, *self.arguments],
+        launcher = [os.environ["IN_PRIVATE_NETWORK"]] if self.own_network else []
+        self.process = subprocess.Popen([*launcher, support.VANTREL_SIM, *self.arguments],
                                         stdin=subprocess.PIPE, stdout=subprocess.DEVNULL,
-                                        stderr=subprocess.PIPE, text=True, preexec_fn=enter)
+                                        stderr=subprocess.PIPE, text=True)
         self.reader = threading.Thread(target=self._read, daemon=True)
         self.reader.start()
         self.await_log("listening")
