@@ -334,7 +334,7 @@ class Waiting(RecipeTest):
 
     def test_wrong_command_lines(self):
         for recipe in ["wait-for-module", "module-settles"]:
-            for arguments in [[], ["valve"], ["valve", "x"], ["valve", ""], ["a-b", "1"]]:
+            for arguments in [[], ["valve"], ["valve", "x"], ["valve", ""], ["a-b", "600"]]:
                 with self.subTest([recipe, *arguments]):
                     self.assertIn("usage: ", self.assert_ends(78, recipe, *arguments))
 
