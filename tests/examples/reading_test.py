@@ -171,6 +171,9 @@ class Metrics(RecipeTest):
     def test_file_that_cannot_be_written(self):
         status, output = self.run_recipe("module-metrics", str(self.folder / "none/quorlan.prom"))
         self.assertNotIn(status, [0, 78], output)
+        self.put("mv", "#!/bin/sh\nexit 1\n")
+        self.assert_ends(1, "module-metrics", str(self.target))
+        self.assertEqual([], list(self.folder.glob("quorlan.prom*")))
         self.assertIn("usage: ", self.assert_ends(78, "module-metrics"))
 
 
