@@ -53,9 +53,13 @@ private:
     Poco::JSON::Object RunModuleCommand(const ModuleCommand& command,
                                         const std::string& moduleName);
     Module* FindModule(const std::string& name);
-    void Launch(Module& module);
-    /// Takes modules whose reconfiguration is over back to "running".
+    /// Ends the transitions whose time has come.
     void Settle();
+    /// Takes a module to a state that it stays in.
+    void Rest(Module& module, const std::string& moduleState);
+    struct Change;
+    /// Begins what a command does to a module, and ends it if it takes no time.
+    Poco::JSON::Object Begin(Module& module, const Change& change);
     Poco::JSON::Object Start(Module& module);
     Poco::JSON::Object Stop(Module& module);
     Poco::JSON::Object Restart(Module& module);

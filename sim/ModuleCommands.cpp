@@ -17,6 +17,12 @@ Poco::JSON::Object Done(const std::string& sentence)
     return MakeReply(ResultCode::Success, sentence);
 }
 
+/// True while a transition that the state file describes is on its way.
+bool IsBusy(const Module& module)
+{
+    return module.pending && module.pending->refusesCommands;
+}
+
 Poco::JSON::Object RefuseInState(const Module& module, const std::string& what)
 {
     return MakeReply(ResultCode::WrongState,
@@ -68,22 +74,54 @@ Module* Engine::FindModule(const std::string& name)
     return nullptr;
 }
 
-void Engine::Launch(Module& module)
-{
-    module.state = "running";
-    module.pid = ++lastPid;
-}
-
 void Engine::Settle()
 {
     for (auto* modules : {&state.services, &state.modules}) {
         for (Module& module : *modules) {
-            if (module.state == "reconfiguring" && module.reconfiguredAt &&
-                now() >= *module.reconfiguredAt) {
-                module.state = "running";
+            if (module.pending && now() >= module.pending->time) {
+                Rest(module, module.pending->state);
             }
         }
     }
+}
+
+void Engine::Rest(Module& module, const std::string& moduleState)
+{
+    module.state = moduleState;
+    module.pending.reset();
+    if (!HasProcess(moduleState)) {
+        module.pid = 0;
+    } else if (module.pid == 0) {
+        module.pid = ++lastPid;
+    }
+}
+
+/// What differs between the commands that change the state of a module.
+struct Engine::Change
+{
+    const char* command;
+    const char* stateMeanwhile;
+    Transition usual;  // where the module has none of its own
+    const char* begun; // the reply, after the name of the module, if it takes time
+    const char* done;  // the reply if it takes none
+    bool makesProcess;
+};
+
+Poco::JSON::Object Engine::Begin(Module& module, const Change& change)
+{
+    const auto own = module.transitions.find(change.command);
+    const bool hasOwn = own != module.transitions.end();
+    const Transition& transition = hasOwn ? own->second : change.usual;
+    if (change.makesProcess) {
+        module.pid = ++lastPid;
+    }
+    if (transition.duration == TimePoint::duration::zero()) {
+        Rest(module, transition.end);
+        return Done(module.name + change.done);
+    }
+    module.state = change.stateMeanwhile;
+    module.pending = PendingEnd{now() + transition.duration, transition.end, hasOwn};
+    return Done(module.name + change.begun);
 }
 
 Poco::JSON::Object Engine::Start(Module& module)
@@ -91,34 +129,39 @@ Poco::JSON::Object Engine::Start(Module& module)
     if (HasProcess(module.state)) {
         return RefuseInState(module, "cannot be started");
     }
-    Launch(module);
-    return Done(module.name + " was started");
+    return Begin(module,
+                 {"start", "starting", {{}, "running"}, " is starting", " was started", true});
 }
 
 Poco::JSON::Object Engine::Stop(Module& module)
 {
-    if (!HasProcess(module.state)) {
+    if (!HasProcess(module.state) || IsBusy(module)) {
         return RefuseInState(module, "cannot be stopped");
     }
-    module.state = "stopped";
-    module.pid = 0;
-    return Done(module.name + " was stopped");
+    return Begin(module,
+                 {"stop", "stopping", {{}, "stopped"}, " is stopping", " was stopped", false});
 }
 
 Poco::JSON::Object Engine::Restart(Module& module)
 {
-    Launch(module);
-    return Done(module.name + " was restarted");
+    if (IsBusy(module)) {
+        return RefuseInState(module, "cannot be restarted");
+    }
+    return Begin(
+        module, {"restart", "starting", {{}, "running"}, " is restarting", " was restarted", true});
 }
 
 Poco::JSON::Object Engine::Reconfigure(Module& module)
 {
-    if (!HasProcess(module.state)) {
+    if (!HasProcess(module.state) || IsBusy(module)) {
         return RefuseInState(module, "cannot be reconfigured");
     }
-    module.state = "reconfiguring";
-    module.reconfiguredAt = now() + reconfigureTime;
-    return Done(module.name + " is being reconfigured");
+    return Begin(module, {"reconfigure",
+                          "reconfiguring",
+                          {reconfigureTime, "running"},
+                          " is being reconfigured",
+                          " was reconfigured",
+                          false});
 }
 
 Poco::JSON::Object Engine::Monitor(Module& module)

@@ -15,7 +15,8 @@ bool IsModuleName(const std::string& name)
 
 bool HasProcess(const std::string& moduleState)
 {
-    return moduleState == "running" || moduleState == "starting" || moduleState == "reconfiguring";
+    return moduleState == "running" || moduleState == "starting" || moduleState == "stopping" ||
+           moduleState == "reconfiguring";
 }
 
 } // namespace sim

@@ -2,11 +2,27 @@
 
 #include "sim/Clock.h"
 
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
 namespace sim {
+
+/// What a command does to a module: how long it takes and in which state the module then rests.
+struct Transition
+{
+    TimePoint::duration duration;
+    std::string end;
+};
+
+/// A transition on its way.
+struct PendingEnd
+{
+    TimePoint time;
+    std::string state;
+    bool refusesCommands; ///< Until then, commands that would change the state.
+};
 
 /// A service or a module that the engine supervises.
 struct Module
@@ -15,8 +31,9 @@ struct Module
     std::string state;
     std::string version;
     std::optional<bool> monitored; ///< Absent where the engine watches no heartbeat at all.
-    int pid = 0;                   ///< 0 for one without a process.
-    std::optional<TimePoint> reconfiguredAt; ///< When a reconfiguration by command ends.
+    std::map<std::string, Transition> transitions; ///< By command; for the others, see Engine.
+    int pid = 0;                                   ///< 0 for one without a process.
+    std::optional<PendingEnd> pending;             ///< Absent while its state is to stay.
 };
 
 /// Everything the engine knows when it starts.

@@ -22,10 +22,21 @@ namespace sim {
 namespace {
 
 constexpr std::size_t maxStateLength = 1 << 20; // a device file would never end
+constexpr int maxSeconds = 86400;
+
+Transition ReadTransition(const StrictObject& object, const std::string& usualEnd)
+{
+    object.AllowOnly({"seconds", "end"});
+    const std::chrono::duration<double> seconds(
+        object.Has("seconds") ? object.Number("seconds", maxSeconds) : 0);
+    return {std::chrono::duration_cast<TimePoint::duration>(seconds),
+            object.Has("end") ? object.Text("end") : usualEnd};
+}
 
 Module ReadModule(const StrictObject& object)
 {
-    object.AllowOnly({"name", "state", "version", "monitored"});
+    object.AllowOnly(
+        {"name", "state", "version", "monitored", "start", "stop", "restart", "reconfigure"});
     Module module;
     module.name = object.Text("name");
     if (!IsModuleName(module.name)) {
@@ -35,6 +46,13 @@ Module ReadModule(const StrictObject& object)
     module.version = object.Text("version");
     if (object.Has("monitored")) {
         module.monitored = object.Flag("monitored");
+    }
+    for (const char* const command : {"start", "stop", "restart", "reconfigure"}) {
+        if (object.Has(command)) {
+            const StrictObject transition(object.Member(command), object.PathOf(command));
+            module.transitions[command] =
+                ReadTransition(transition, command == std::string("stop") ? "stopped" : "running");
+        }
     }
     return module;
 }

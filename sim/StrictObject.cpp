@@ -47,6 +47,17 @@ bool StrictObject::Flag(const std::string& key) const
     return member.extract<bool>();
 }
 
+double StrictObject::Number(const std::string& key, int max) const
+{
+    const Poco::Dynamic::Var member = Member(key);
+    const bool isNumber = member.isNumeric() && !member.isBoolean();
+    const double number = isNumber ? member.convert<double>() : -1;
+    if (!(number >= 0 && number <= max)) {
+        Fail("\"" + key + "\" is not a number from 0 to " + std::to_string(max));
+    }
+    return number;
+}
+
 Poco::JSON::Array::Ptr StrictObject::Array(const std::string& key) const
 {
     Member(key);

@@ -26,6 +26,8 @@ public:
     /// A non-empty string.
     std::string Text(const std::string& key) const;
     bool Flag(const std::string& key) const;
+    /// A number from 0 to max.
+    double Number(const std::string& key, int max) const;
     Poco::JSON::Array::Ptr Array(const std::string& key) const;
 
     void AllowOnly(const std::vector<std::string>& keys) const;

@@ -4,7 +4,8 @@
 
 namespace {
 
-/// The default set: pump1 runs, valve is stopped, scale has failed, storage is a service.
+/// The default set: pump1 runs, valve is stopped, mixer takes two seconds to start, scale has
+/// failed and fails to start, storage is a service.
 class SimModule: public testing::Test
 {
 protected:
@@ -20,7 +21,7 @@ TEST_F(SimModule, StartsFromAnyStateWithoutAProcess)
     EXPECT_EQ(engine.Command("start", "valve"),
               R"({"description":"valve was started","resultCode":0})");
     EXPECT_EQ(engine.Command("start", "mixer"),
-              R"({"description":"mixer was started","resultCode":0})");
+              R"({"description":"mixer is starting","resultCode":0})");
     EXPECT_EQ(engine.Command("start", "scale"),
               R"({"description":"scale was started","resultCode":0})");
 
@@ -28,6 +29,13 @@ TEST_F(SimModule, StartsFromAnyStateWithoutAProcess)
               R"({"monitored":true,"name":"valve","state":"running","version":"1.1.0"})");
     EXPECT_EQ(engine.Command("status", "valve"),
               R"({"description":"valve is running","resultCode":0})");
+    EXPECT_EQ(engine.Command("status", "mixer"),
+              R"({"description":"mixer is starting","resultCode":0})");
+    EXPECT_EQ(engine.Command("status", "scale"),
+              R"({"description":"scale is failed, not monitored","resultCode":0})");
+    engine.Pass(std::chrono::seconds(2));
+    EXPECT_EQ(engine.Command("status", "mixer"),
+              R"({"description":"mixer is running","resultCode":0})");
 }
 
 TEST_F(SimModule, IsNotStartedWhileItRunsOrStarts)

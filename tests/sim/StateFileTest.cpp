@@ -71,6 +71,50 @@ TEST(SimState, IsReadFromJson)
     EXPECT_FALSE(state.modules[0].monitored.value_or(true));
 }
 
+TEST(SimState, SaysHowLongCommandsTakeAndHowTheyEnd)
+{
+    const sim::State state = sim::ReadState(
+        "{" + engineMember + R"(, "modules": [], "services": [{"name": "s1", "version": "1",
+            "state": "running", "start": {"seconds": 86400}, "stop": {"seconds": 0.25},
+            "restart": {"end": "failed"}}]})",
+        "my.json");
+
+    const std::map<std::string, sim::Transition>& found = state.services.at(0).transitions;
+    ASSERT_EQ(found.size(), 3U);
+    EXPECT_EQ(found.at("start").duration, std::chrono::hours(24));
+    EXPECT_EQ(found.at("start").end, "running");
+    EXPECT_EQ(found.at("stop").duration, std::chrono::milliseconds(250));
+    EXPECT_EQ(found.at("stop").end, "stopped");
+    EXPECT_EQ(found.at("restart").duration, std::chrono::seconds(0));
+    EXPECT_EQ(found.at("restart").end, "failed");
+}
+
+TEST(SimState, NamesTheCommandWhoseTimeOrEndIsWrong)
+{
+    const auto errorOf = [](const std::string& transition) {
+        return ErrorOfModules(R"([{"name": "m1", "state": "running", "version": "1", "stop": )" +
+                              transition + "}]");
+    };
+    const std::string place = "my.json: modules[0].stop: ";
+
+    EXPECT_EQ(errorOf("2"), Error(dataError, place + "not a JSON object"));
+    EXPECT_EQ(errorOf(R"({"second": 2})"), Error(dataError, place + "unknown member \"second\""));
+    EXPECT_EQ(errorOf(R"({"end": ""})"),
+              Error(dataError, place + "\"end\" is not a non-empty string"));
+    for (const char* const seconds :
+         {"-1", "-0.5", "86400.5", "86401", "\"2\"", "true", "null", "[]", "{}"}) {
+        EXPECT_EQ(errorOf(std::string(R"({"seconds": )") + seconds + "}"),
+                  Error(dataError, place + "\"seconds\" is not a number from 0 to 86400"))
+            << seconds;
+    }
+    // Whether such a number gets past the parser is up to POCO.
+    for (const char* const seconds : {"1e999", "-1e999", "99999999999999999999"}) {
+        EXPECT_EQ(errorOf(std::string(R"({"seconds": )") + seconds + "}").rfind("65 my.json: ", 0),
+                  0U)
+            << seconds;
+    }
+}
+
 TEST(SimState, MayBeWithoutAnythingToSupervise)
 {
     EXPECT_EQ(ErrorOfModules("[]"), "no error");
