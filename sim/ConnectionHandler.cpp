@@ -6,11 +6,22 @@
 
 #include <Poco/Exception.h>
 
+#include <string>
+#include <thread>
+
 namespace sim {
 
-ConnectionHandler::ConnectionHandler(const Poco::Net::StreamSocket& socket, Engine& engine,
-                                     const Fault& fault)
-    : TCPServerConnection(socket), engine(engine), fault(fault)
+namespace {
+
+void LogExchange(const std::string& request, const std::string& reply, const std::string& fault)
+{
+    Log(Printable(request) + " -> " + Printable(reply) + (fault.empty() ? "" : " [" + fault + "]"));
+}
+
+} // namespace
+
+ConnectionHandler::ConnectionHandler(const Poco::Net::StreamSocket& socket, Service& service)
+    : TCPServerConnection(socket), service(service)
 {
 }
 
@@ -19,39 +30,37 @@ void ConnectionHandler::run()
     ClientSocket client(socket());
     Request request;
     std::string reply;
-    if (fault.readsRequest) {
+    const Fault* fault = service.faults.WithoutRequest();
+    if (fault == nullptr) {
         request = ReadRequest(client);
-        reply = fault.write(AnswerTo(request));
+        fault = &service.faults.For(request);
     }
-    LogExchange(request.text, reply);
+    if (fault->reach >= Reach::Read) {
+        reply = fault->write(AnswerTo(request, *fault));
+    }
+    LogExchange(request.text, reply, fault->name);
+    if (!reply.empty()) {
+        std::this_thread::sleep_for(service.delay);
+    }
     try {
-        fault.send(client, reply);
+        fault->send(client, reply);
     } catch (const Poco::IOException&) {
         // The client left before the end of the reply: there is nothing left to do.
     }
 }
 
-Poco::JSON::Object ConnectionHandler::AnswerTo(const Request& request)
+Poco::JSON::Object ConnectionHandler::AnswerTo(const Request& request, const Fault& fault)
 {
-    return request.problem.empty() ? fault.answer(engine, *request.object)
+    return request.problem.empty() ? fault.answer(service.engine, *request.object)
                                    : MakeReply(ResultCode::BadRequest, request.problem);
 }
 
-void ConnectionHandler::LogExchange(const std::string& request, const std::string& reply) const
-{
-    const std::string name = fault.name;
-    Log(Printable(request) + " -> " + Printable(reply) + (name.empty() ? "" : " [" + name + "]"));
-}
-
-ConnectionHandlerFactory::ConnectionHandlerFactory(Engine& engine, const Fault& fault)
-    : engine(engine), fault(fault)
-{
-}
+ConnectionHandlerFactory::ConnectionHandlerFactory(Service& service) : service(service) {}
 
 Poco::Net::TCPServerConnection*
 ConnectionHandlerFactory::createConnection(const Poco::Net::StreamSocket& socket)
 {
-    return new ConnectionHandler(socket, engine, fault);
+    return new ConnectionHandler(socket, service);
 }
 
 } // namespace sim

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "sim/Engine.h"
+#include "sim/FaultRules.h"
 #include "sim/Faults.h"
 #include "sim/Request.h"
 
@@ -8,38 +9,42 @@
 #include <Poco/Net/TCPServerConnection.h>
 #include <Poco/Net/TCPServerConnectionFactory.h>
 
-#include <string>
+#include <chrono>
 
 namespace sim {
 
-/// Serves one client: one request, one reply, one line in the log. The engine and the fault must
-/// outlive it.
+/// What the connections share. It must outlive them.
+struct Service
+{
+    Engine engine;
+    FaultRules faults;
+    std::chrono::milliseconds delay; ///< Before each reply.
+};
+
+/// Serves one client: one request, one reply, one line in the log.
 class ConnectionHandler: public Poco::Net::TCPServerConnection
 {
 public:
-    ConnectionHandler(const Poco::Net::StreamSocket& socket, Engine& engine, const Fault& fault);
+    ConnectionHandler(const Poco::Net::StreamSocket& socket, Service& service);
 
     void run() override;
 
 private:
-    Poco::JSON::Object AnswerTo(const Request& request);
-    void LogExchange(const std::string& request, const std::string& reply) const;
+    Poco::JSON::Object AnswerTo(const Request& request, const Fault& fault);
 
-    Engine& engine;
-    const Fault& fault;
+    Service& service;
 };
 
 class ConnectionHandlerFactory: public Poco::Net::TCPServerConnectionFactory
 {
 public:
-    ConnectionHandlerFactory(Engine& engine, const Fault& fault);
+    explicit ConnectionHandlerFactory(Service& service);
 
     Poco::Net::TCPServerConnection*
     createConnection(const Poco::Net::StreamSocket& socket) override;
 
 private:
-    Engine& engine;
-    const Fault& fault;
+    Service& service;
 };
 
 } // namespace sim

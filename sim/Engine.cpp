@@ -27,12 +27,12 @@ Poco::JSON::Array::Ptr ListEntries(const std::vector<Module>& modules)
 {
     Poco::JSON::Array::Ptr entries = new Poco::JSON::Array;
     for (const Module& module : modules) {
-        Poco::JSON::Object entry;
-        entry.set("name", module.name);
-        entry.set("state", module.state);
-        entry.set("version", module.version);
+        Poco::JSON::Object::Ptr entry = new Poco::JSON::Object;
+        entry->set("name", module.name);
+        entry->set("state", module.state);
+        entry->set("version", module.version);
         if (module.monitored) {
-            entry.set("monitored", *module.monitored);
+            entry->set("monitored", *module.monitored);
         }
         entries->add(entry);
     }
@@ -67,7 +67,7 @@ Poco::JSON::Object Engine::Answer(const Poco::JSON::Object& request)
     if (!request.has("command")) {
         return MakeReply(ResultCode::BadRequest, "The request has no \"command\"");
     }
-    const std::string name = TextMember(request, "command");
+    const std::string name = CommandOf(request);
     if (name.empty()) {
         return MakeReply(ResultCode::BadRequest, "\"command\" is not the name of a command");
     }
@@ -80,6 +80,20 @@ Poco::JSON::Object Engine::Answer(const Poco::JSON::Object& request)
         return RunModuleCommand(*command, TextMember(request, "module"));
     }
     return MakeReply(ResultCode::UnknownCommand, "Unknown command \"" + name + "\"");
+}
+
+std::vector<std::string> Engine::CommandNames()
+{
+    std::vector<std::string> names = ModuleCommandNames();
+    for (const Command& command : commands) {
+        names.emplace_back(command.name);
+    }
+    return names;
+}
+
+std::string Engine::CommandOf(const Poco::JSON::Object& request)
+{
+    return TextMember(request, "command");
 }
 
 Poco::JSON::Object Engine::Debug(const Poco::JSON::Object& request)

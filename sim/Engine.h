@@ -8,6 +8,7 @@
 
 #include <mutex>
 #include <string>
+#include <vector>
 
 namespace sim {
 
@@ -24,6 +25,10 @@ public:
     /// Carries out the request. One that cannot be carried out changes nothing, and its reply has
     /// a "resultCode" other than 0 and a "description" that says why.
     Poco::JSON::Object Answer(const Poco::JSON::Object& request);
+
+    static std::vector<std::string> CommandNames();
+    /// The command of a request, or "" if that is missing or no string.
+    static std::string CommandOf(const Poco::JSON::Object& request);
 
 private:
     struct Command
@@ -49,6 +54,7 @@ private:
 
     // ModuleCommands.cpp
     static const ModuleCommand moduleCommands[];
+    static std::vector<std::string> ModuleCommandNames();
     static const ModuleCommand* FindModuleCommand(const std::string& name);
     Poco::JSON::Object RunModuleCommand(const ModuleCommand& command,
                                         const std::string& moduleName);

@@ -5,6 +5,7 @@
 #include "sim/Reply.h"
 #include "sim/StartError.h"
 
+#include <Poco/JSON/Array.h>
 #include <Poco/Util/Application.h>
 
 #include <algorithm>
@@ -23,6 +24,35 @@ Poco::JSON::Object AskEngine(Engine& engine, const Poco::JSON::Object& request)
 Poco::JSON::Object Refuse(Engine& /*engine*/, const Poco::JSON::Object& /*request*/)
 {
     return MakeReply(ResultCode::FaultInjected, "Refused on purpose");
+}
+
+Poco::JSON::Object RefuseStatus(Engine& engine, const Poco::JSON::Object& request)
+{
+    Poco::JSON::Object reply = engine.Answer(request);
+    if (Engine::CommandOf(request) == "engine-status") {
+        reply.set("resultCode", static_cast<int>(ResultCode::FaultInjected));
+        reply.set("description", "Refused on purpose");
+    }
+    return reply;
+}
+
+/// Red, a tab and two line ends around the text.
+void Decorate(Poco::JSON::Object& object, const std::string& key)
+{
+    object.set(key, "\033[31m" + object.getValue<std::string>(key) + "\tred\033[0m\r\n");
+}
+
+Poco::JSON::Object AddControlCharacters(Engine& engine, const Poco::JSON::Object& request)
+{
+    Poco::JSON::Object reply = engine.Answer(request);
+    Decorate(reply, "description");
+    for (const char* const table : {"services", "modules"}) {
+        const Poco::JSON::Array::Ptr entries = reply.getArray(table);
+        for (unsigned int i = 0; entries && i < entries->size(); ++i) {
+            Decorate(*entries->getObject(i), "name");
+        }
+    }
+    return reply;
 }
 
 std::string InAnArray(const Poco::JSON::Object& reply)
@@ -101,7 +131,7 @@ void SendAndReset(ClientSocket& client, const std::string& text)
 
 const Fault& NoFault()
 {
-    static const Fault none = {"", "", true, AskEngine, Compact, Send};
+    static const Fault none = {"", "", Reach::CarriedOut, AskEngine, Compact, Send};
     return none;
 }
 
@@ -109,26 +139,34 @@ const std::vector<Fault>& AllFaults()
 {
     // clang-format off
     static const std::vector<Fault> faults = {
-        {"close", "closes the connection at once after accepting it",
-         false, AskEngine, Nothing, Send},
+        {"no-accept", "accepts no connection; takes no <command> and no <n>",
+         Reach::Queued, AskEngine, Nothing, Send},
+        {"close", "closes the connection without reading the request",
+         Reach::Accepted, AskEngine, Nothing, Send},
         {"silent", "reads the request and never answers",
-         true, AskEngine, Nothing, SendAndStay},
+         Reach::CarriedOut, AskEngine, Nothing, SendAndStay},
         {"slow", "sends the reply a byte at a time",
-         true, AskEngine, Compact, SendSlowly},
+         Reach::CarriedOut, AskEngine, Compact, SendSlowly},
         {"half", "sends half of the reply and closes",
-         true, AskEngine, FirstHalf, Send},
-        {"garbage", "replies with something that is not JSON",
-         true, AskEngine, Garbage, Send},
-        {"wrong-type", "replies with a JSON array instead of an object",
-         true, AskEngine, InAnArray, Send},
-        {"no-result-code", "leaves \"resultCode\" out of the reply",
-         true, AskEngine, WithoutResultCode, Send},
-        {"error-code", "refuses every request with a code and a description",
-         true, Refuse, Compact, Send},
-        {"huge", "answers \"list\" with many megabytes",
-         true, AskEngine, WithHugeList, Send},
+         Reach::CarriedOut, AskEngine, FirstHalf, Send},
         {"reset", "sends half of the reply and resets the connection",
-         true, AskEngine, FirstHalf, SendAndReset},
+         Reach::CarriedOut, AskEngine, FirstHalf, SendAndReset},
+        {"stay-open", "sends the reply and leaves the connection open",
+         Reach::CarriedOut, AskEngine, Compact, SendAndStay},
+        {"garbage", "replies with something that is not JSON",
+         Reach::CarriedOut, AskEngine, Garbage, Send},
+        {"wrong-type", "replies with a JSON array instead of an object",
+         Reach::CarriedOut, AskEngine, InAnArray, Send},
+        {"no-result-code", "leaves \"resultCode\" out of the reply",
+         Reach::CarriedOut, AskEngine, WithoutResultCode, Send},
+        {"error-code", "refuses every request with a code and a description",
+         Reach::Read, Refuse, Compact, Send},
+        {"refused-status", "refuses \"engine-status\" in a reply with all its members",
+         Reach::CarriedOut, RefuseStatus, Compact, Send},
+        {"control-characters", "puts escape sequences, tabs and line ends into texts",
+         Reach::CarriedOut, AddControlCharacters, Compact, Send},
+        {"huge", "answers \"list\" with many megabytes",
+         Reach::CarriedOut, AskEngine, WithHugeList, Send},
     };
     // clang-format on
     return faults;

@@ -10,12 +10,20 @@
 
 namespace sim {
 
-/// How every connection is served: in three steps, each of which may be wrong on purpose.
+/// How far the fault lets a connection and its request get.
+enum class Reach {
+    Queued,   ///< It is not accepted.
+    Accepted, ///< Its request need not be read; answer and write are skipped, nothing is sent.
+    Read,     ///< Its request is read but not carried out.
+    CarriedOut,
+};
+
+/// How a connection is served: in three steps, each of which may be wrong on purpose.
 struct Fault
 {
     const char* name;
     const char* help;
-    bool readsRequest; ///< If false, answer and write are skipped and nothing is sent.
+    Reach reach;
     Poco::JSON::Object (*answer)(Engine& engine, const Poco::JSON::Object& request);
     std::string (*write)(const Poco::JSON::Object& reply);
     /// Leaves the connection ready to be closed.

@@ -38,6 +38,15 @@ const Engine::ModuleCommand Engine::moduleCommands[] = {
     {"pid", false, &Engine::Pid},
 };
 
+std::vector<std::string> Engine::ModuleCommandNames()
+{
+    std::vector<std::string> names;
+    for (const ModuleCommand& command : moduleCommands) {
+        names.emplace_back(command.name);
+    }
+    return names;
+}
+
 const Engine::ModuleCommand* Engine::FindModuleCommand(const std::string& name)
 {
     const auto* found =

@@ -2,17 +2,17 @@
 
 #include "sim/ConnectionHandler.h"
 #include "sim/Engine.h"
+#include "sim/FaultRules.h"
 #include "sim/Faults.h"
 #include "sim/Listener.h"
 #include "sim/Log.h"
+#include "sim/Number.h"
+#include "sim/Server.h"
 #include "sim/StartError.h"
 #include "sim/StateFile.h"
 
 #include <Poco/AutoPtr.h>
 #include <Poco/Exception.h>
-#include <Poco/Net/TCPServer.h>
-#include <Poco/Net/TCPServerParams.h>
-#include <Poco/ThreadPool.h>
 #include <Poco/Util/HelpFormatter.h>
 #include <Poco/Util/Option.h>
 #include <Poco/Util/OptionCallback.h>
@@ -26,7 +26,7 @@ namespace sim {
 
 namespace {
 
-constexpr int maxConnections = 1024; // as many more wait until one of these ends
+constexpr std::uint64_t maxDelay = 86400000; // a day
 
 /// Blocks the signals that end the simulator, and returns them. Threads inherit this mask, so only
 /// the wait for the signals sees them if it is set before any thread starts.
@@ -40,12 +40,28 @@ sigset_t BlockTerminationSignals()
     return signals;
 }
 
-Poco::Net::TCPServerParams::Ptr ServerParams()
+std::vector<FaultRule> ParseFaultRules(const std::vector<std::string>& texts)
 {
-    Poco::Net::TCPServerParams::Ptr params = new Poco::Net::TCPServerParams;
-    params->setMaxThreads(maxConnections);
-    params->setMaxQueued(maxConnections);
-    return params;
+    std::vector<FaultRule> rules;
+    for (const std::string& text : texts) {
+        rules.push_back(ParseFaultRule(text));
+        if (texts.size() > 1 && rules.back().fault->reach == Reach::Queued) {
+            throw StartError(Poco::Util::Application::EXIT_USAGE,
+                             "fault \"" + text + "\" cannot be combined with others");
+        }
+    }
+    return rules;
+}
+
+std::chrono::milliseconds ParseDelay(const std::string& text)
+{
+    const auto number = ParseWhole(text, maxDelay);
+    if (!number) {
+        throw StartError(Poco::Util::Application::EXIT_USAGE,
+                         "\"" + text + "\" is not a number of milliseconds from 0 to " +
+                             std::to_string(maxDelay));
+    }
+    return std::chrono::milliseconds(*number);
 }
 
 } // namespace
@@ -61,9 +77,13 @@ void Simulator::defineOptions(Poco::Util::OptionSet& options)
     options.addOption(Option("state", "s", "Read the services and modules from a JSON file")
                           .argument("<file>")
                           .callback(Callback(this, &Simulator::HandleState)));
-    options.addOption(Option("fault", "f", "Inject one of the faults below")
-                          .argument("<name>")
+    options.addOption(Option("fault", "f", "Inject a fault (see below; repeatable)")
+                          .argument("<fault>")
+                          .repeatable(true)
                           .callback(Callback(this, &Simulator::HandleFault)));
+    options.addOption(Option("delay", "", "Wait before each reply")
+                          .argument("<milliseconds>")
+                          .callback(Callback(this, &Simulator::HandleDelay)));
 }
 
 void Simulator::HandleHelp(const std::string& /*name*/, const std::string& /*value*/)
@@ -79,7 +99,12 @@ void Simulator::HandleState(const std::string& /*name*/, const std::string& valu
 
 void Simulator::HandleFault(const std::string& /*name*/, const std::string& value)
 {
-    faultName = value;
+    faults.push_back(value);
+}
+
+void Simulator::HandleDelay(const std::string& /*name*/, const std::string& value)
+{
+    delay = value;
 }
 
 int Simulator::main(const std::vector<std::string>& args)
@@ -103,28 +128,36 @@ void Simulator::PrintHelp() const
 {
     Poco::Util::HelpFormatter formatter(options());
     formatter.setCommand("vantrel-sim");
-    formatter.setUsage("[--state=<file>] [--fault=<name>]");
+    formatter.setUsage("[<option>...]");
     formatter.setHeader("Simulates the engine: answers clients on " + EngineAddress().toString() +
                         " and logs every request to standard error.");
     formatter.format(std::cout);
 
-    std::cout << "\nFaults, each applied to every connection:\n";
+    std::cout << R"(
+A fault is written <name>[:<command>][@<n>]. It is for every request, for those
+of the command or for the <n>th of them. The first that fits the request counts.
+The names, and whether the engine carries the command out:
+)";
     for (const Fault& fault : AllFaults()) {
-        std::cout << "  " << std::left << std::setw(16) << fault.name << fault.help << "\n";
+        std::cout << "  " << std::left << std::setw(20) << fault.name << std::setw(5)
+                  << (fault.reach == Reach::CarriedOut ? "yes" : "no") << fault.help << "\n";
     }
     std::cout << std::flush;
 }
 
 void Simulator::Serve()
 {
-    const Fault& fault = faultName ? FindFault(*faultName) : NoFault();
-    Engine engine(stateFile ? LoadState(*stateFile) : DefaultState());
+    Service service{Engine(stateFile ? LoadState(*stateFile) : DefaultState()),
+                    FaultRules(ParseFaultRules(faults)), ParseDelay(delay.value_or("0"))};
     const sigset_t signals = BlockTerminationSignals();
-    Poco::ThreadPool threads(2, maxConnections);
-    Poco::Net::TCPServer server(new ConnectionHandlerFactory(engine, fault), threads, Listen(),
-                                ServerParams());
-    server.start();
+    Server server(new ConnectionHandlerFactory(service));
+    server.Listen();
     Log("listening on " + EngineAddress().toString());
+    if (service.faults.AcceptNobody()) {
+        server.AcceptNobody();
+    } else {
+        server.AcceptEverybody();
+    }
     int signal = 0;
     sigwait(&signals, &signal);
     // A handler may be waiting for its client, for as long as the client likes. So no thread is

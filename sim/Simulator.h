@@ -20,6 +20,7 @@ private:
     void HandleHelp(const std::string& name, const std::string& value);
     void HandleState(const std::string& name, const std::string& value);
     void HandleFault(const std::string& name, const std::string& value);
+    void HandleDelay(const std::string& name, const std::string& value);
 
     void PrintHelp() const;
     /// Serves until SIGINT or SIGTERM, then ends the process. Throws StartError.
@@ -27,7 +28,8 @@ private:
 
     bool helpRequested = false;
     std::optional<std::string> stateFile; // none: the default set
-    std::optional<std::string> faultName;
+    std::vector<std::string> faults;
+    std::optional<std::string> delay; // in milliseconds
 };
 
 /// Runs the program and reports why it could not start. The result is its exit status.

@@ -28,6 +28,11 @@ protected:
     sim::Engine engine{sim::DefaultState()};
 };
 
+Poco::JSON::Object::Ptr Parsed(const std::string& json)
+{
+    return Poco::JSON::Parser().parse(json).extract<Poco::JSON::Object::Ptr>();
+}
+
 const char* const plainText = R"({"description":"No update has been requested","resultCode":0})";
 
 const std::string begin = R"("modules":[)";
@@ -38,12 +43,12 @@ const std::string entry = R"({"name":"huge","state":"running","version":"1.0.0",
 TEST_F(SimFault, MayBeNone)
 {
     EXPECT_EQ(TextOf("", "update-status"), plainText);
-    EXPECT_TRUE(sim::NoFault().readsRequest);
+    EXPECT_EQ(sim::NoFault().reach, sim::Reach::CarriedOut);
 }
 
 TEST_F(SimFault, CloseDoesNotReadTheRequest)
 {
-    EXPECT_FALSE(sim::FindFault("close").readsRequest);
+    EXPECT_EQ(sim::FindFault("close").reach, sim::Reach::Accepted);
 }
 
 TEST_F(SimFault, SilentSaysNothing)
@@ -51,9 +56,10 @@ TEST_F(SimFault, SilentSaysNothing)
     EXPECT_EQ(TextOf("silent", "update-status"), "");
 }
 
-TEST_F(SimFault, SlowSaysWhatIsRight)
+TEST_F(SimFault, SlowAndStayOpenSayWhatIsRight)
 {
     EXPECT_EQ(TextOf("slow", "update-status"), plainText);
+    EXPECT_EQ(TextOf("stay-open", "update-status"), plainText);
 }
 
 TEST_F(SimFault, HalfAndResetSayTheFirstHalf)
@@ -83,6 +89,58 @@ TEST_F(SimFault, ErrorCodeRefusesAndChangesNothing)
     EXPECT_EQ(TextOf("error-code", "debug"),
               R"({"description":"Refused on purpose","resultCode":6})");
     EXPECT_NE(TextOf("", "engine-status").find(R"("debugModeEnabled":false)"), std::string::npos);
+}
+
+TEST_F(SimFault, RefusedStatusHasAllTheMembersOfAStatus)
+{
+    EXPECT_EQ(TextOf("refused-status", "engine-status"),
+              R"({"build":"sim","debugModeEnabled":false,"description":"Refused on purpose",)"
+              R"("resultCode":6,"safeModeEnabled":false,"state":"running","version":"4.2.0"})");
+}
+
+TEST_F(SimFault, RefusedStatusLeavesOtherCommandsAlone)
+{
+    EXPECT_EQ(TextOf("refused-status", "list"), TextOf("", "list"));
+    EXPECT_EQ(TextOf("refused-status", "debug"),
+              R"({"description":"Debug mode is enabled","resultCode":0})");
+}
+
+TEST_F(SimFault, ControlCharactersAreInTheDescription)
+{
+    const auto reply = Parsed(TextOf("control-characters", "update-status"));
+
+    EXPECT_EQ(reply->getValue<std::string>("description"),
+              "\033[31mNo update has been requested\tred\033[0m\r\n");
+    EXPECT_EQ(reply->getValue<int>("resultCode"), 0);
+}
+
+TEST_F(SimFault, ControlCharactersAreInTheNamesOfServicesAndModules)
+{
+    const auto reply = Parsed(TextOf("control-characters", "list"));
+
+    const auto service = reply->getArray("services")->getObject(0);
+    EXPECT_EQ(service->getValue<std::string>("name"), "\033[31mstorage\tred\033[0m\r\n");
+    EXPECT_EQ(service->getValue<std::string>("state"), "running");
+    const auto module = reply->getArray("modules")->getObject(5);
+    EXPECT_EQ(module->getValue<std::string>("name"), "\033[31mheater\tred\033[0m\r\n");
+    EXPECT_EQ(TextOf("", "list").find("\\t"), std::string::npos);
+}
+
+TEST_F(SimFault, CarriesTheCommandOutIfItSaysSo)
+{
+    for (const sim::Fault& fault : sim::AllFaults()) {
+        if (fault.reach < sim::Reach::Read) {
+            continue; // the engine is not even asked
+        }
+        sim::Engine fresh{sim::DefaultState()};
+        Poco::JSON::Object request;
+        request.set("command", "update");
+        fault.answer(fresh, request);
+
+        request.set("command", "update-status");
+        const bool started = sim::Compact(fresh.Answer(request)).find("of 6") != std::string::npos;
+        EXPECT_EQ(started, fault.reach == sim::Reach::CarriedOut) << fault.name;
+    }
 }
 
 TEST_F(SimFault, HugePutsManyMegabytesBeforeTheModules)
@@ -139,7 +197,8 @@ TEST(SimFaults, AreFoundByTheirNameAndHaveAHelpOfOneLine)
 
 TEST(SimFaults, OfTheReplyAreSentLikeAnyReply)
 {
-    for (const char* name : {"garbage", "wrong-type", "no-result-code", "error-code", "huge"}) {
+    for (const char* name : {"garbage", "wrong-type", "no-result-code", "error-code",
+                             "refused-status", "control-characters", "huge"}) {
         EXPECT_EQ(sim::FindFault(name).send, sim::NoFault().send) << name;
     }
 }

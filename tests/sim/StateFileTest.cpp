@@ -1,5 +1,5 @@
 #include "sim/StateFile.h"
-#include "sim/StartError.h"
+#include "tests/sim/ErrorOf.h"
 
 #include <gtest/gtest.h>
 
@@ -16,17 +16,6 @@ const std::string engineMember = R"("engine": {"state": "running", "version": "1
 std::string Error(int status, const std::string& message)
 {
     return std::to_string(status) + " " + message;
-}
-
-template <typename Function>
-std::string ErrorOf(Function function)
-{
-    try {
-        function();
-    } catch (const sim::StartError& error) {
-        return Error(error.status, error.what());
-    }
-    return "no error";
 }
 
 std::string ErrorOfReading(const std::string& json)

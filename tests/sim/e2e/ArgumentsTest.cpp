@@ -10,13 +10,28 @@ TEST(SimulatorArguments, UnknownOptionIsRefused)
 TEST(SimulatorArguments, OptionWithoutItsArgumentIsRefused)
 {
     EXPECT_EQ(Simulator({"--fault"}).End(),
-              Refused(64, "Missing option argument: fault requires <name>"));
+              Refused(64, "Missing option argument: fault requires <fault>"));
 }
 
-TEST(SimulatorArguments, FaultGivenTwiceIsRefused)
+TEST(SimulatorArguments, FaultWithAMistakeInAnyPlaceIsRefused)
 {
-    EXPECT_EQ(Simulator({"--fault=half", "--fault=slow"}).End(),
-              Refused(64, "Option must not be given more than once: fault"));
+    EXPECT_EQ(Simulator({"--fault=half", "--fault=slow:dance"}).End(),
+              Refused(64, "fault \"slow:dance\": unknown command \"dance\""));
+}
+
+TEST(SimulatorArguments, FaultThatAcceptsNobodyIsRefusedNextToOthers)
+{
+    EXPECT_EQ(Simulator({"--fault=half:list", "--fault=no-accept"}).End(),
+              Refused(64, "fault \"no-accept\" cannot be combined with others"));
+}
+
+TEST(SimulatorArguments, DelayThatIsNoNumberIsRefused)
+{
+    for (const std::string delay : {"", "soon", "-1", "0.5", "86400001"}) {
+        EXPECT_EQ(
+            Simulator({"--delay=" + delay}).End(),
+            Refused(64, "\"" + delay + "\" is not a number of milliseconds from 0 to 86400000"));
+    }
 }
 
 TEST(SimulatorArguments, FaultWithoutANameIsRefused)
@@ -33,25 +48,32 @@ TEST(SimulatorArguments, HelpExplainsOptionsAndFaults)
 {
     EXPECT_EQ(Simulator({"--help"}).End(),
               (Outcome{0,
-                       R"(usage: vantrel-sim [--state=<file>] [--fault=<name>]
+                       R"(usage: vantrel-sim [<option>...]
 Simulates the engine: answers clients on 127.0.0.1:7777 and logs every request
 to standard error.
 
--h, --help                Display help information
--s<file>, --state=<file>  Read the services and modules from a JSON file
--f<name>, --fault=<name>  Inject one of the faults below
+-h, --help                  Display help information
+-s<file>, --state=<file>    Read the services and modules from a JSON file
+-f<fault>, --fault=<fault>  Inject a fault (see below; repeatable)
+--delay=<milliseconds>      Wait before each reply
 
-Faults, each applied to every connection:
-  close           closes the connection at once after accepting it
-  silent          reads the request and never answers
-  slow            sends the reply a byte at a time
-  half            sends half of the reply and closes
-  garbage         replies with something that is not JSON
-  wrong-type      replies with a JSON array instead of an object
-  no-result-code  leaves "resultCode" out of the reply
-  error-code      refuses every request with a code and a description
-  huge            answers "list" with many megabytes
-  reset           sends half of the reply and resets the connection
+A fault is written <name>[:<command>][@<n>]. It is for every request, for those
+of the command or for the <n>th of them. The first that fits the request counts.
+The names, and whether the engine carries the command out:
+  no-accept           no   accepts no connection; takes no <command> and no <n>
+  close               no   closes the connection without reading the request
+  silent              yes  reads the request and never answers
+  slow                yes  sends the reply a byte at a time
+  half                yes  sends half of the reply and closes
+  reset               yes  sends half of the reply and resets the connection
+  stay-open           yes  sends the reply and leaves the connection open
+  garbage             yes  replies with something that is not JSON
+  wrong-type          yes  replies with a JSON array instead of an object
+  no-result-code      yes  leaves "resultCode" out of the reply
+  error-code          no   refuses every request with a code and a description
+  refused-status      yes  refuses "engine-status" in a reply with all its members
+  control-characters  yes  puts escape sequences, tabs and line ends into texts
+  huge                yes  answers "list" with many megabytes
 )",
                        ""}));
 }

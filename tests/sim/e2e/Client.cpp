@@ -68,6 +68,14 @@ bool Client::HearsWithin(std::chrono::milliseconds time) const
     return poll(&event, 1, static_cast<int>(time.count())) > 0;
 }
 
+std::string Client::ReceiveBytes(std::size_t size)
+{
+    std::string bytes(size, '\0');
+    const ssize_t count = recv(socket.Get(), bytes.data(), size, MSG_WAITALL);
+    bytes.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+    return bytes;
+}
+
 Answer Client::Receive()
 {
     Answer answer;

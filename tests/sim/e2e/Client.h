@@ -38,6 +38,9 @@ public:
     /// True as soon as something was sent or the connection ended; false if the time passes first.
     bool HearsWithin(std::chrono::milliseconds time) const;
 
+    /// Waits for this many bytes, or for the end of the connection.
+    std::string ReceiveBytes(std::size_t size);
+
     /// Waits until the simulator has ended the connection.
     Answer Receive();
 

@@ -3,11 +3,16 @@
 #include "tests/sim/Repeated.h"
 #include "tests/sim/e2e/Client.h"
 #include "tests/sim/e2e/Simulator.h"
+#include "tests/support/PrivateNetwork.h"
 #include "tests/support/Tool.h"
+#include "tests/tool/Texts.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <chrono>
+
+using std::chrono::milliseconds;
 
 namespace {
 
@@ -67,6 +72,57 @@ TEST(SimulatorFault, ResetBreaksTheConnectionAfterHalfOfTheReply)
     const Simulator simulator({"--fault=reset"});
 
     EXPECT_EQ(Ask(request), (Answer{halfReply, Answer::End::Reset}));
+}
+
+TEST(SimulatorFault, StayOpenSendsTheWholeReplyAndWaitsForTheClientToLeave)
+{
+    Simulator simulator({"--fault=stay-open"});
+    Client client;
+
+    client.Send(request);
+    simulator.AwaitLog(request);
+    EXPECT_EQ(client.ReceiveBytes(reply.size()), reply);
+    EXPECT_FALSE(client.HearsWithin(milliseconds(200)));
+
+    EXPECT_EQ(client.HalfClose().Receive(), Answer{});
+    EXPECT_EQ(simulator.End(), Served(LogLine(request, reply + " [stay-open]")));
+}
+
+TEST(SimulatorFault, NoAcceptLeavesClientsWaiting)
+{
+    const Simulator simulator({"--fault=no-accept"});
+    ShortenConnectTimeout();
+
+    EXPECT_EQ(RunTool({"--list"}), (Outcome{69, noAnswer, ""}));
+}
+
+TEST(SimulatorFault, MeetsOnlyTheRequestsThatItIsFor)
+{
+    Simulator simulator({"--fault=half:pid@2", "-fclose:pid@3", "--fault", "garbage:list"});
+    const std::string other = R"({"command":"update-status"})";
+    const std::string otherReply =
+        R"({"description":"No update has been requested","resultCode":0})";
+
+    EXPECT_EQ(Ask(request), Answer{reply});
+    EXPECT_EQ(Ask(other), Answer{otherReply});
+    EXPECT_EQ(Ask(request), Answer{halfReply});
+    EXPECT_EQ(Ask(request), Answer{});
+    EXPECT_EQ(Ask(request), Answer{reply});
+
+    EXPECT_EQ(simulator.End(),
+              Served(LogLine(request, reply) + LogLine(other, otherReply) +
+                     LogLine(request, halfReply + " [half]") +
+                     LogLine(request, "(nothing) [close]") + LogLine(request, reply)));
+}
+
+TEST(SimulatorDelay, PassesBeforeEachReply)
+{
+    const Simulator simulator({"--delay=300"});
+    const auto begin = std::chrono::steady_clock::now();
+
+    EXPECT_EQ(Ask(request), Answer{reply});
+
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, milliseconds(300));
 }
 
 TEST(SimulatorFault, HugeReachesTheToolWhole)
