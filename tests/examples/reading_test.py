@@ -74,6 +74,15 @@ class ModuleState(RecipeTest):
             with self.subTest(fault), self.engine(fault, pump="running"):
                 self.assert_ends(status, "module-state", "pump")
 
+    def test_of_modules_whose_names_are_control_characters(self):
+        with Engine("--fault=control-characters"):
+            self.assertEqual("", self.assert_ends(0, "module-state"))
+
+    def test_of_very_many(self):
+        with self.engine("huge", pump="running"):
+            self.assertEqual("module huge running\nmodule pump running\n",
+                             self.assert_ends(0, "module-state"))
+
     def test_wrong_command_lines(self):
         for arguments in [[""], ["a-b"], ["a b"], ["a\\n"], ["*"], ["a", "b"]]:
             with self.subTest(arguments):
@@ -234,12 +243,20 @@ class EndlessReply(RecipeTest):
                     output = self.finish(runs[command])
                     self.assertEqual(status, runs[command].returncode, output)
 
-    def test_silent_engine(self):
-        with Engine("--fault=silent"):
+
+class NoReply(RecipeTest):
+    def check(self, fault, status, text):
+        with Engine(f"--fault={fault}"):
             runs = {recipe: self.spawn(recipe) for recipe in ["engine-answers", "module-state"]}
             for recipe, run in runs.items():
-                self.assertIn("Failed to parse", self.finish(run))
-                self.assertEqual(76, run.returncode, recipe)
+                self.assertIn(text, self.finish(run))
+                self.assertEqual(status, run.returncode, recipe)
+
+    def test_silent_engine(self):
+        self.check("silent", 76, "Failed to parse")
+
+    def test_engine_that_accepts_nobody(self):
+        self.check("no-accept", 124, "no complete reply within 10 seconds")
 
 
 if __name__ == "__main__":

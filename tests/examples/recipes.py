@@ -27,6 +27,7 @@ class Engine:
         self.arguments = arguments
         self.own_network = own_network
         self.log = []
+        self.ended = False
         self.logged = threading.Condition()
 
     def __enter__(self):
@@ -36,7 +37,11 @@ class Engine:
                                         stderr=subprocess.PIPE, text=True)
         self.reader = threading.Thread(target=self._read, daemon=True)
         self.reader.start()
-        self.await_log("listening")
+        try:
+            self.await_log("listening")
+        except AssertionError:
+            self.__exit__()
+            raise
         return self
 
     def _read(self):
@@ -44,14 +49,18 @@ class Engine:
             with self.logged:
                 self.log.append(line)
                 self.logged.notify_all()
+        with self.logged:
+            self.ended = True
+            self.logged.notify_all()
 
     def await_log(self, text, count=1):
         """Returns once so many lines of the log have had the text."""
         with self.logged:
-            found = self.logged.wait_for(lambda: sum(text in line for line in self.log) >= count,
-                                         support.PATIENCE)
-        if not found:
-            raise AssertionError(f"no {text!r} in {self.log}")
+            def found():
+                return sum(text in line for line in self.log) >= count
+            self.logged.wait_for(lambda: found() or self.ended, support.PATIENCE)
+            if not found():
+                raise AssertionError(f"fewer than {count} of {text!r} in {self.log}")
 
     def await_request(self, command, count=1):
         self.await_log(f'"command":"{command}"', count)
