@@ -169,6 +169,19 @@ class DebugMode(RecipeTest):
                     self.assertEqual(143, run.returncode, output)
                     self.assert_left_alone()
 
+    def test_signal_before_the_command(self):
+        """The first thing that it runs waits until the signal has been sent."""
+        self.put_before_quorlan('[ -e "$HOME/sent" ] || read -r _ <"$HOME/fifo"')
+        os.mkfifo(self.folder / "fifo")
+        with self.engine():
+            run = self.spawn("with-debug-mode", "1", "echo", "done")
+            with open(self.folder / "fifo", "w"):  # once it is open for reading, too
+                run.terminate()
+                (self.folder / "sent").write_text("")
+            self.assertNotIn("done", self.finish(run))
+            self.assertEqual(143, run.returncode)
+            self.assert_left_alone()
+
     def test_second_signal_while_it_ends(self):
         self.put_before_quorlan("case $1 in --debug=false) kill -TERM $(cat $HOME/pid) ;; esac")
         with self.engine():
