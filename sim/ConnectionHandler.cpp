@@ -1,49 +1,44 @@
 #include "sim/ConnectionHandler.h"
 
 #include "sim/ClientSocket.h"
-#include "sim/Log.h"
 #include "sim/Reply.h"
 
 #include <Poco/Exception.h>
 
-#include <string>
 #include <thread>
 
 namespace sim {
 
-namespace {
-
-void LogExchange(const std::string& request, const std::string& reply, const std::string& fault)
-{
-    Log(Printable(request) + " -> " + Printable(reply) + (fault.empty() ? "" : " [" + fault + "]"));
-}
-
-} // namespace
-
-ConnectionHandler::ConnectionHandler(const Poco::Net::StreamSocket& socket, Service& service)
-    : TCPServerConnection(socket), service(service)
+ConnectionHandler::ConnectionHandler(const Poco::Net::StreamSocket& socket, Service& service,
+                                     std::uint64_t number)
+    : TCPServerConnection(socket), service(service), number(number)
 {
 }
 
 void ConnectionHandler::run()
 {
     ClientSocket client(socket());
-    Request request;
-    std::string reply;
+    Exchange exchange;
+    exchange.connection = number;
     const Fault* fault = service.faults.WithoutRequest();
+    Request request;
     if (fault == nullptr) {
         request = ReadRequest(client);
         fault = &service.faults.For(request);
     }
+    exchange.request = request.text;
+    exchange.fault = fault->name;
     if (fault->reach >= Reach::Read) {
-        reply = fault->write(AnswerTo(request, *fault));
+        const Poco::JSON::Object answer = AnswerTo(request, *fault);
+        exchange.carriedOut = answer.getValue<int>("resultCode") == 0;
+        exchange.reply = fault->write(answer);
     }
-    LogExchange(request.text, reply, fault->name);
-    if (!reply.empty()) {
+    service.log.Write(exchange);
+    if (!exchange.reply.empty()) {
         std::this_thread::sleep_for(service.delay);
     }
     try {
-        fault->send(client, reply);
+        fault->send(client, exchange.reply);
     } catch (const Poco::IOException&) {
         // The client left before the end of the reply: there is nothing left to do.
     }
@@ -60,7 +55,7 @@ ConnectionHandlerFactory::ConnectionHandlerFactory(Service& service) : service(s
 Poco::Net::TCPServerConnection*
 ConnectionHandlerFactory::createConnection(const Poco::Net::StreamSocket& socket)
 {
-    return new ConnectionHandler(socket, service);
+    return new ConnectionHandler(socket, service, ++connections);
 }
 
 } // namespace sim

@@ -6,6 +6,7 @@
 #include <Poco/Net/ServerSocketImpl.h>
 #include <Poco/Util/Application.h>
 
+#include <fcntl.h>
 #include <sys/socket.h>
 
 namespace sim {
@@ -30,6 +31,7 @@ public:
     explicit ListeningSocket(const Poco::Net::SocketAddress& address)
         : ServerSocket(new ReusableSocketImpl, true)
     {
+        fcntl(impl()->sockfd(), F_SETFD, FD_CLOEXEC); // it is not the command's
         bind(address, false);
         listen();
     }

@@ -1,15 +1,8 @@
 #include "sim/Simulator.h"
 
-#include "sim/ConnectionHandler.h"
-#include "sim/Engine.h"
-#include "sim/FaultRules.h"
-#include "sim/Faults.h"
 #include "sim/Listener.h"
-#include "sim/Log.h"
 #include "sim/Number.h"
-#include "sim/Server.h"
 #include "sim/StartError.h"
-#include "sim/StateFile.h"
 
 #include <Poco/AutoPtr.h>
 #include <Poco/Exception.h>
@@ -17,10 +10,10 @@
 #include <Poco/Util/Option.h>
 #include <Poco/Util/OptionCallback.h>
 
-#include <csignal>
-#include <cstdlib>
+#include <algorithm>
 #include <iomanip>
 #include <iostream>
+#include <utility>
 
 namespace sim {
 
@@ -28,43 +21,16 @@ namespace {
 
 constexpr std::uint64_t maxDelay = 86400000; // a day
 
-/// Blocks the signals that end the simulator, and returns them. Threads inherit this mask, so only
-/// the wait for the signals sees them if it is set before any thread starts.
-sigset_t BlockTerminationSignals()
+[[noreturn]] void RefuseCommandLine(const std::string& problem)
 {
-    sigset_t signals;
-    sigemptyset(&signals);
-    sigaddset(&signals, SIGINT);
-    sigaddset(&signals, SIGTERM);
-    sigprocmask(SIG_BLOCK, &signals, nullptr);
-    return signals;
-}
-
-std::vector<FaultRule> ParseFaultRules(const std::vector<std::string>& texts)
-{
-    std::vector<FaultRule> rules;
-    for (const std::string& text : texts) {
-        rules.push_back(ParseFaultRule(text));
-        if (texts.size() > 1 && rules.back().fault->reach == Reach::Queued) {
-            throw StartError(Poco::Util::Application::EXIT_USAGE,
-                             "fault \"" + text + "\" cannot be combined with others");
-        }
-    }
-    return rules;
-}
-
-std::chrono::milliseconds ParseDelay(const std::string& text)
-{
-    const auto number = ParseWhole(text, maxDelay);
-    if (!number) {
-        throw StartError(Poco::Util::Application::EXIT_USAGE,
-                         "\"" + text + "\" is not a number of milliseconds from 0 to " +
-                             std::to_string(maxDelay));
-    }
-    return std::chrono::milliseconds(*number);
+    throw StartError(Poco::Util::Application::EXIT_USAGE, problem);
 }
 
 } // namespace
+
+Simulator::Simulator(std::optional<std::vector<std::string>> command) : command(std::move(command))
+{
+}
 
 void Simulator::defineOptions(Poco::Util::OptionSet& options)
 {
@@ -84,6 +50,14 @@ void Simulator::defineOptions(Poco::Util::OptionSet& options)
     options.addOption(Option("delay", "", "Wait before each reply")
                           .argument("<milliseconds>")
                           .callback(Callback(this, &Simulator::HandleDelay)));
+    options.addOption(Option("log", "", "Write the log to a file instead of standard error")
+                          .argument("<file>")
+                          .callback(Callback(this, &Simulator::HandleLog)));
+    options.addOption(Option("log-format", "", "Write the log as text (default) or as json")
+                          .argument("<format>")
+                          .callback(Callback(this, &Simulator::HandleLogFormat)));
+    options.addOption(Option("isolated", "", "Give simulator and command a network of their own")
+                          .callback(Callback(this, &Simulator::HandleIsolated)));
 }
 
 void Simulator::HandleHelp(const std::string& /*name*/, const std::string& /*value*/)
@@ -94,17 +68,40 @@ void Simulator::HandleHelp(const std::string& /*name*/, const std::string& /*val
 
 void Simulator::HandleState(const std::string& /*name*/, const std::string& value)
 {
-    stateFile = value;
+    settings.stateFile = value;
 }
 
 void Simulator::HandleFault(const std::string& /*name*/, const std::string& value)
 {
-    faults.push_back(value);
+    settings.faults.push_back(ParseFaultRule(value));
 }
 
 void Simulator::HandleDelay(const std::string& /*name*/, const std::string& value)
 {
-    delay = value;
+    const auto number = ParseWhole(value, maxDelay);
+    if (!number) {
+        RefuseCommandLine("\"" + value + "\" is not a number of milliseconds from 0 to " +
+                          std::to_string(maxDelay));
+    }
+    settings.delay = std::chrono::milliseconds(*number);
+}
+
+void Simulator::HandleLog(const std::string& /*name*/, const std::string& value)
+{
+    settings.logFile = value;
+}
+
+void Simulator::HandleLogFormat(const std::string& /*name*/, const std::string& value)
+{
+    if (value != "text" && value != "json") {
+        RefuseCommandLine("\"" + value + "\" is not a format of the log: text, json");
+    }
+    settings.logFormat = value == "json" ? LogFormat::Json : LogFormat::Text;
+}
+
+void Simulator::HandleIsolated(const std::string& /*name*/, const std::string& /*value*/)
+{
+    settings.isolated = true;
 }
 
 int Simulator::main(const std::vector<std::string>& args)
@@ -114,13 +111,31 @@ int Simulator::main(const std::vector<std::string>& args)
             PrintHelp();
             return EXIT_OK;
         }
-        if (!args.empty()) {
-            throw StartError(EXIT_USAGE, "unexpected argument \"" + args.front() + "\"");
-        }
-        Serve();
+        CheckCommandLine(args);
+        settings.command = command.value_or(std::vector<std::string>());
+        Run(settings);
     } catch (const StartError& error) {
-        Log(error.what());
+        Report(error.what());
         return error.status;
+    }
+}
+
+void Simulator::CheckCommandLine(const std::vector<std::string>& args) const
+{
+    if (!args.empty()) {
+        RefuseCommandLine("unexpected argument \"" + args.front() + "\"");
+    }
+    if (command && command->empty()) {
+        RefuseCommandLine("no command after \"--\"");
+    }
+    if (settings.isolated && !command) {
+        RefuseCommandLine("--isolated needs a command: vantrel-sim --isolated -- <command>");
+    }
+    for (const FaultRule& rule : settings.faults) {
+        if (rule.fault->reach == Reach::Queued && settings.faults.size() > 1) {
+            RefuseCommandLine(std::string("fault \"") + rule.fault->name +
+                              "\" cannot be combined with others");
+        }
     }
 }
 
@@ -128,9 +143,10 @@ void Simulator::PrintHelp() const
 {
     Poco::Util::HelpFormatter formatter(options());
     formatter.setCommand("vantrel-sim");
-    formatter.setUsage("[<option>...]");
+    formatter.setUsage("[<option>...] [-- <command> [<argument>...]]");
     formatter.setHeader("Simulates the engine: answers clients on " + EngineAddress().toString() +
-                        " and logs every request to standard error.");
+                        " and logs every request to standard error. Runs the command, if one is "
+                        "given, and ends with it and its exit status.");
     formatter.format(std::cout);
 
     std::cout << R"(
@@ -145,34 +161,24 @@ The names, and whether the engine carries the command out:
     std::cout << std::flush;
 }
 
-void Simulator::Serve()
-{
-    Service service{Engine(stateFile ? LoadState(*stateFile) : DefaultState()),
-                    FaultRules(ParseFaultRules(faults)), ParseDelay(delay.value_or("0"))};
-    const sigset_t signals = BlockTerminationSignals();
-    Server server(new ConnectionHandlerFactory(service));
-    server.Listen();
-    Log("listening on " + EngineAddress().toString());
-    if (service.faults.AcceptNobody()) {
-        server.AcceptNobody();
-    } else {
-        server.AcceptEverybody();
-    }
-    int signal = 0;
-    sigwait(&signals, &signal);
-    // A handler may be waiting for its client, for as long as the client likes. So no thread is
-    // joined and nothing that a thread may be using is destroyed; the kernel closes the sockets.
-    std::quick_exit(EXIT_OK);
-}
-
 int RunSimulator(int argc, char** argv)
 {
+    // What follows is the command's, also where it looks like an option.
+    char** const end = argv + argc;
+    char** const separator = std::find(argv + 1, end, std::string("--"));
+    std::optional<std::vector<std::string>> command;
+    if (separator != end) {
+        command.emplace(separator + 1, end);
+    }
     Poco::AutoPtr<Simulator> simulator;
     try {
-        simulator = new Simulator;
-        simulator->init(argc, argv);
+        simulator = new Simulator(std::move(command));
+        simulator->init(static_cast<int>(separator - argv), argv);
+    } catch (const StartError& error) {
+        Report(error.what());
+        return error.status;
     } catch (const Poco::Exception& exception) {
-        Log(exception.displayText());
+        Report(exception.displayText());
         return Simulator::EXIT_USAGE;
     }
     return simulator->run();

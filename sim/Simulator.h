@@ -1,17 +1,23 @@
 #pragma once
 
+#include "sim/Run.h"
+
 #include <Poco/Util/Application.h>
 #include <Poco/Util/OptionSet.h>
 
-#include <optional>
 #include <string>
 #include <vector>
 
 namespace sim {
 
-/// The simulator of the engine, as a program.
+/// The simulator of the engine, as a program: what its command line means. What it then does is in
+/// Run.h.
 class Simulator: public Poco::Util::Application
 {
+public:
+    /// The command is what follows "--" on the command line, if that is there.
+    explicit Simulator(std::optional<std::vector<std::string>> command);
+
 protected:
     void defineOptions(Poco::Util::OptionSet& options) override;
     int main(const std::vector<std::string>& args) override;
@@ -21,15 +27,17 @@ private:
     void HandleState(const std::string& name, const std::string& value);
     void HandleFault(const std::string& name, const std::string& value);
     void HandleDelay(const std::string& name, const std::string& value);
+    void HandleLog(const std::string& name, const std::string& value);
+    void HandleLogFormat(const std::string& name, const std::string& value);
+    void HandleIsolated(const std::string& name, const std::string& value);
 
     void PrintHelp() const;
-    /// Serves until SIGINT or SIGTERM, then ends the process. Throws StartError.
-    [[noreturn]] void Serve();
+    /// Throws StartError for what is wrong with the command line as a whole.
+    void CheckCommandLine(const std::vector<std::string>& args) const;
 
     bool helpRequested = false;
-    std::optional<std::string> stateFile; // none: the default set
-    std::vector<std::string> faults;
-    std::optional<std::string> delay; // in milliseconds
+    std::optional<std::vector<std::string>> command;
+    Settings settings;
 };
 
 /// Runs the program and reports why it could not start. The result is its exit status.

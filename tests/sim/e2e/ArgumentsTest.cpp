@@ -48,14 +48,18 @@ TEST(SimulatorArguments, HelpExplainsOptionsAndFaults)
 {
     EXPECT_EQ(Simulator({"--help"}).End(),
               (Outcome{0,
-                       R"(usage: vantrel-sim [<option>...]
+                       R"(usage: vantrel-sim [<option>...] [-- <command> [<argument>...]]
 Simulates the engine: answers clients on 127.0.0.1:7777 and logs every request
-to standard error.
+to standard error. Runs the command, if one is given, and ends with it and its
+exit status.
 
 -h, --help                  Display help information
 -s<file>, --state=<file>    Read the services and modules from a JSON file
 -f<fault>, --fault=<fault>  Inject a fault (see below; repeatable)
 --delay=<milliseconds>      Wait before each reply
+--log=<file>                Write the log to a file instead of standard error
+--log-format=<format>       Write the log as text (default) or as json
+--isolated                  Give simulator and command a network of their own
 
 A fault is written <name>[:<command>][@<n>]. It is for every request, for those
 of the command or for the <n>th of them. The first that fits the request counts.
