@@ -6,9 +6,10 @@ import re
 import socket
 import threading
 import time
+import unittest
 
 import recipes
-from recipes import FakeTable, RecipeTest
+from recipes import BUSYBOX, FakeTable, RecipeTest
 from support import Engine
 
 
@@ -177,12 +178,15 @@ class Metrics(RecipeTest):
         self.assertEqual(0o644, self.target.stat().st_mode & 0o777)
         self.assertEqual([self.target], list(self.folder.glob("quorlan.prom*")))
 
-    def test_file_that_cannot_be_written(self):
-        status, output = self.run_recipe("module-metrics", str(self.folder / "none/quorlan.prom"))
-        self.assertNotIn(status, [0, 78], output)
+    @unittest.skipIf(BUSYBOX, "its shell takes its own mv")
+    def test_file_that_cannot_be_replaced(self):
         self.put("mv", "#!/bin/sh\nexit 1\n")
         self.assert_ends(1, "module-metrics", str(self.target))
         self.assertEqual([], list(self.folder.glob("quorlan.prom*")))
+
+    def test_file_that_cannot_be_written(self):
+        status, output = self.run_recipe("module-metrics", str(self.folder / "none/quorlan.prom"))
+        self.assertNotIn(status, [0, 78], output)
         self.assertIn("usage: ", self.assert_ends(78, "module-metrics"))
 
 
