@@ -82,6 +82,28 @@ Poco::JSON::Object Engine::Answer(const Poco::JSON::Object& request)
     return MakeReply(ResultCode::UnknownCommand, "Unknown command \"" + name + "\"");
 }
 
+bool Engine::SetState(const std::string& moduleName, const std::string& moduleState)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    Module* const module = FindModule(moduleName);
+    if (module != nullptr) {
+        Rest(*module, moduleState);
+    }
+    return module != nullptr;
+}
+
+void Engine::SetDebugMode(bool enabled)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    state.debugModeEnabled = enabled;
+}
+
+void Engine::SetSafeMode(bool enabled)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    state.safeModeEnabled = enabled;
+}
+
 std::vector<std::string> Engine::CommandNames()
 {
     std::vector<std::string> names = ModuleCommandNames();

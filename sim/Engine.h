@@ -26,6 +26,11 @@ public:
     /// a "resultCode" other than 0 and a "description" that says why.
     Poco::JSON::Object Answer(const Poco::JSON::Object& request);
 
+    /// Takes a service or module to a state at once; false if there is none of that name.
+    bool SetState(const std::string& moduleName, const std::string& moduleState);
+    void SetDebugMode(bool enabled);
+    void SetSafeMode(bool enabled);
+
     static std::vector<std::string> CommandNames();
     /// The command of a request, or "" if that is missing or no string.
     static std::string CommandOf(const Poco::JSON::Object& request);

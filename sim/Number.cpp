@@ -17,4 +17,15 @@ std::optional<std::uint64_t> ParseWhole(const std::string& text, std::uint64_t m
     return number;
 }
 
+std::optional<double> ParseSeconds(const std::string& text)
+{
+    constexpr int maxSeconds = 86400;
+    double seconds = 0;
+    if (text.find_first_not_of("0123456789.") != std::string::npos ||
+        !Poco::NumberParser::tryParseFloat(text, seconds) || seconds > maxSeconds) {
+        return std::nullopt;
+    }
+    return seconds;
+}
+
 } // namespace sim

@@ -4,7 +4,7 @@
 #include "sim/Run.h"
 
 #include "sim/ConnectionHandler.h"
-#include "sim/Listener.h"
+#include "sim/Control.h"
 #include "sim/PrivateNetwork.h"
 #include "sim/RunCommand.h"
 #include "sim/Server.h"
@@ -14,8 +14,11 @@
 
 #include <Poco/Util/Application.h>
 
+#include <array>
 #include <cstdlib>
 #include <system_error>
+
+#include <poll.h>
 
 namespace sim {
 
@@ -42,19 +45,50 @@ Signals WatchSignals(bool hasCommand)
     return hasCommand ? Signals{SIGINT, SIGTERM, SIGHUP, SIGCHLD} : Signals{SIGINT, SIGTERM};
 }
 
+/// The exit status of the simulator after a signal, if that ends it.
+std::optional<int> Handle(const signalfd_siginfo& signal, const std::optional<RunCommand>& command)
+{
+    if (!command) {
+        return Poco::Util::Application::EXIT_OK;
+    }
+    if (signal.ssi_signo == SIGCHLD) {
+        return command->ExitStatus();
+    }
+    command->PassOn(signal);
+    return std::nullopt;
+}
+
 /// Returns the exit status of the simulator.
-int AwaitEnd(const Signals& signals, const std::optional<RunCommand>& command)
+int AwaitEnd(const Signals& signals, const std::optional<RunCommand>& command,
+             std::optional<Control>& control)
 {
     for (;;) {
-        const signalfd_siginfo signal = signals.Next();
-        if (!command) {
-            return Poco::Util::Application::EXIT_OK;
+        std::array<pollfd, 2> events{
+            {{signals.Descriptor(), POLLIN, 0}, {control ? control->Descriptor() : -1, POLLIN, 0}}};
+        poll(events.data(), events.size(), control ? control->Patience() : -1);
+        if (control) {
+            control->Continue();
         }
-        if (signal.ssi_signo != SIGCHLD) {
-            command->PassOn(signal);
-        } else if (const auto status = command->ExitStatus()) {
-            return *status;
+        if (events[1].revents != 0) {
+            control->Read();
         }
+        if (events[0].revents != 0) {
+            if (const auto status = Handle(signals.Next(), command)) {
+                return *status;
+            }
+        }
+    }
+}
+
+/// The same, also for a server that cannot go on.
+int StatusAtTheEnd(const Signals& signals, const std::optional<RunCommand>& command,
+                   std::optional<Control>& control)
+{
+    try {
+        return AwaitEnd(signals, command, control);
+    } catch (const StartError& error) {
+        Report(error.what());
+        return error.status;
     }
 }
 
@@ -68,19 +102,18 @@ void Run(const Settings& settings)
         Isolate();
     }
     const Signals signals = WatchSignals(!settings.command.empty());
-    Server server(new ConnectionHandlerFactory(service));
+    Server server(service);
     server.Listen();
-    service.log.Write("listening on " + EngineAddress().toString());
     std::optional<RunCommand> command;
     if (!settings.command.empty()) {
         command.emplace(settings.command, signals.BlockedBefore());
     }
-    if (service.faults.AcceptNobody()) {
-        server.AcceptNobody();
-    } else {
-        server.AcceptEverybody();
+    std::optional<Control> control;
+    if (settings.control) {
+        control.emplace(service, server);
     }
-    const int status = AwaitEnd(signals, command);
+    server.Accept();
+    const int status = StatusAtTheEnd(signals, command, control);
     // A handler may be waiting for its client, for as long as the client likes. So no thread is
     // joined and nothing that a thread may be using is destroyed; the kernel closes the sockets.
     std::quick_exit(status);

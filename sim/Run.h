@@ -20,6 +20,7 @@ struct Settings
     LogFormat logFormat = LogFormat::Text;
     std::vector<std::string> command; ///< Empty: serve until SIGINT or SIGTERM.
     bool isolated = false;            ///< Both in a network of their own.
+    bool control = false;             ///< By commands from standard input.
 };
 
 /// Serves, and then ends the process. Throws StartError.

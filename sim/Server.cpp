@@ -20,14 +20,28 @@ Poco::Net::TCPServerParams::Ptr ServerParams()
 
 } // namespace
 
-Server::Server(Poco::Net::TCPServerConnectionFactory::Ptr factory)
-    : threads(2, maxConnections), factory(std::move(factory))
+Server::Server(Service& service)
+    : service(service), factory(new ConnectionHandlerFactory(service)), threads(2, maxConnections)
 {
 }
 
 void Server::Listen()
 {
     listener = sim::Listen();
+    service.log.Write("listening on " + EngineAddress().toString());
+}
+
+void Server::Accept()
+{
+    const bool nobody = service.faults.AcceptNobody();
+    if (nobody ? queued.has_value() : server != nullptr) {
+        return; // as it is
+    }
+    if (queued || server) {
+        Close();
+        Listen();
+    }
+    nobody ? AcceptNobody() : AcceptEverybody();
 }
 
 void Server::AcceptEverybody()

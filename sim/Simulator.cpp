@@ -58,6 +58,9 @@ void Simulator::defineOptions(Poco::Util::OptionSet& options)
                           .callback(Callback(this, &Simulator::HandleLogFormat)));
     options.addOption(Option("isolated", "", "Give simulator and command a network of their own")
                           .callback(Callback(this, &Simulator::HandleIsolated)));
+    options.addOption(
+        Option("control", "", "Take commands from standard input, such as \"help\"")
+            .callback(Callback(this, &Simulator::HandleControl)));
 }
 
 void Simulator::HandleHelp(const std::string& /*name*/, const std::string& /*value*/)
@@ -104,6 +107,11 @@ void Simulator::HandleIsolated(const std::string& /*name*/, const std::string& /
     settings.isolated = true;
 }
 
+void Simulator::HandleControl(const std::string& /*name*/, const std::string& /*value*/)
+{
+    settings.control = true;
+}
+
 int Simulator::main(const std::vector<std::string>& args)
 {
     try {
@@ -130,6 +138,9 @@ void Simulator::CheckCommandLine(const std::vector<std::string>& args) const
     }
     if (settings.isolated && !command) {
         RefuseCommandLine("--isolated needs a command: vantrel-sim --isolated -- <command>");
+    }
+    if (settings.control && command) {
+        RefuseCommandLine("--control and a command cannot share standard input");
     }
     for (const FaultRule& rule : settings.faults) {
         if (rule.fault->reach == Reach::Queued && settings.faults.size() > 1) {

@@ -30,6 +30,7 @@ private:
     void HandleLog(const std::string& name, const std::string& value);
     void HandleLogFormat(const std::string& name, const std::string& value);
     void HandleIsolated(const std::string& name, const std::string& value);
+    void HandleControl(const std::string& name, const std::string& value);
 
     void PrintHelp() const;
     /// Throws StartError for what is wrong with the command line as a whole.

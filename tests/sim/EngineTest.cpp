@@ -108,6 +108,21 @@ TEST(SimEngine, RefusesACommandThatItDoesNotKnow)
               R"({"description":"Unknown command \"List\"","resultCode":2})");
 }
 
+TEST(SimEngine, MayBeGivenAnotherMode)
+{
+    TestEngine engine;
+
+    engine.Get().SetDebugMode(true);
+    engine.Get().SetSafeMode(true);
+    EXPECT_EQ(engine.Answer(R"({"command":"engine-status"})"),
+              R"({"build":"sim","debugModeEnabled":true,"description":"Status of the engine",)"
+              R"("resultCode":0,"safeModeEnabled":true,"state":"running","version":"4.2.0"})");
+    engine.Get().SetDebugMode(false);
+    engine.Get().SetSafeMode(false);
+    EXPECT_EQ(engine.Answer(R"({"command":"engine-status"})"),
+              TestEngine().Answer(R"({"command":"engine-status"})"));
+}
+
 TEST(SimUpdate, IsNotReportedBeforeItWasRequested)
 {
     EXPECT_EQ(TestEngine().Answer(R"({"command":"update-status"})"),

@@ -12,6 +12,17 @@ TEST(SimNumber, IsNothingButDigits)
     }
 }
 
+TEST(SimNumber, OfSecondsMayHaveAFraction)
+{
+    EXPECT_EQ(sim::ParseSeconds("0"), 0.0);
+    EXPECT_EQ(sim::ParseSeconds("2"), 2.0);
+    EXPECT_EQ(sim::ParseSeconds("0.25"), 0.25);
+    EXPECT_EQ(sim::ParseSeconds("86400"), 86400.0);
+    for (const char* const text : {"", "-1", "+1", "1.2.3", "86400.1", "1e3", "inf", "nan", "."}) {
+        EXPECT_EQ(sim::ParseSeconds(text), std::nullopt) << text;
+    }
+}
+
 TEST(SimNumber, IsAtMostTheGreatestThatIsAllowed)
 {
     EXPECT_EQ(sim::ParseWhole("10", 10), 10U);

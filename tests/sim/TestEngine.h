@@ -49,6 +49,9 @@ public:
         return "";
     }
 
+    /// The engine, for what is no request.
+    sim::Engine& Get() { return engine; }
+
     void EnableDebugMode() { Answer(R"({"command":"debug","boolean":"true"})"); }
 
     void Pass(std::chrono::milliseconds duration) { time += duration; }

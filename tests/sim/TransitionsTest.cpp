@@ -171,6 +171,32 @@ TEST(SimTransition, IsNotRepeatedAfterItsEnd)
     EXPECT_EQ(engine.Command("status", "m1"), Done("m1 is stopped"));
 }
 
+TEST(SimTransition, IsEndedByAStateFromOutside)
+{
+    TestEngine engine = EngineWith("stopped", R"("start": {"seconds": 1})");
+    engine.Command("start", "m1");
+
+    EXPECT_TRUE(engine.Get().SetState("m1", "failed"));
+
+    EXPECT_EQ(engine.Command("status", "m1"), Done("m1 is failed"));
+    engine.Pass(seconds(1));
+    EXPECT_EQ(engine.Command("status", "m1"), Done("m1 is failed"));
+    EXPECT_FALSE(engine.Get().SetState("m2", "failed"));
+}
+
+TEST(SimTransition, LeavesAModuleOfAnyStateWithAProcessOrWithout)
+{
+    TestEngine engine = EngineWith("stopped", R"("start": {"seconds": 1})");
+
+    engine.Get().SetState("m1", "running");
+    EXPECT_EQ(engine.Command("pid", "m1"), Done("1001"));
+    engine.Get().SetState("m1", "odd");
+    EXPECT_EQ(engine.Command("pid", "m1"),
+              R"({"description":"m1 has no process: its state is \"odd\"","resultCode":4})");
+    engine.Get().SetState("m1", "reconfiguring");
+    EXPECT_EQ(engine.Command("pid", "m1"), Done("1002"));
+}
+
 TEST(SimTransition, IsNotBegunByAStateOfTheFile)
 {
     TestEngine engine = EngineWith("starting", R"("start": {"seconds": 1})");

@@ -60,6 +60,7 @@ exit status.
 --log=<file>                Write the log to a file instead of standard error
 --log-format=<format>       Write the log as text (default) or as json
 --isolated                  Give simulator and command a network of their own
+--control                   Take commands from standard input, such as "help"
 
 A fault is written <name>[:<command>][@<n>]. It is for every request, for those
 of the command or for the <n>th of them. The first that fits the request counts.

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 
 namespace {
 
@@ -74,8 +73,7 @@ TEST_P(SimulatorEnd, CutsASlowReplyShort)
 // Before it listens, a signal ends it like any other program.
 TEST_P(SimulatorEnd, DoesNotWaitForItsState)
 {
-    const TemporaryFile file("");
-    Require(unlink(file.Path().c_str()) == 0 && mkfifo(file.Path().c_str(), 0600) == 0, "fifo");
+    const TemporaryFile file(TemporaryFile::Kind::Fifo);
     Stream out = MakePipe();
     Stream err = MakePipe();
     const pid_t process = Spawn({VANTREL_SIM, "--state=" + file.Path()}, out, err);

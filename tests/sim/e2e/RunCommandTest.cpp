@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <fcntl.h>
-#include <sys/stat.h>
 
 namespace {
 
@@ -126,8 +125,7 @@ TEST_P(SimulatorCommandSignal, DoesNotEndTheSimulatorBeforeTheCommand)
 
 TEST(SimulatorCommand, EndsTheSimulatorAtOnceWhateverItsClientsAreDoing)
 {
-    const TemporaryFile fifo("");
-    Require(unlink(fifo.Path().c_str()) == 0 && mkfifo(fifo.Path().c_str(), 0600) == 0, "fifo");
+    const TemporaryFile fifo(TemporaryFile::Kind::Fifo);
     Simulator simulator({"--fault=silent", "--", "sh", "-c", "exec cat " + fifo.Path()});
     Descriptor end(open(fifo.Path().c_str(), O_WRONLY | O_CLOEXEC));
     const Client idle;

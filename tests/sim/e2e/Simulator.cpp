@@ -6,18 +6,20 @@ namespace {
 
 const std::string listening = "vantrel-sim: listening on 127.0.0.1:7777\n";
 
-std::vector<std::string> CommandLine(const std::vector<std::string>& arguments)
+std::vector<std::string> CommandLine(const std::vector<std::string>& arguments,
+                                     const std::string& input)
 {
     // A test that is killed for hanging must not leave its simulator behind.
-    std::vector<std::string> words = {"setpriv", "--pdeathsig", "KILL", VANTREL_SIM};
+    std::vector<std::string> words = {
+        "setpriv", "--pdeathsig", "KILL", "sh", "-c", R"(exec "$0" "$@" <)" + input, VANTREL_SIM};
     words.insert(words.end(), arguments.begin(), arguments.end());
     return words;
 }
 
 } // namespace
 
-Simulator::Simulator(const std::vector<std::string>& arguments)
-    : process(Spawn(CommandLine(arguments), out, err))
+Simulator::Simulator(const std::vector<std::string>& arguments, const std::string& input)
+    : process(Spawn(CommandLine(arguments, input), out, err))
 {
     out.writer.Close();
     err.writer.Close(); // so that the end of one that does not start is seen

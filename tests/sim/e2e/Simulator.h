@@ -11,7 +11,8 @@ class Simulator
 {
 public:
     /// Starts it and waits until it listens, or has ended because it does not start.
-    explicit Simulator(const std::vector<std::string>& arguments = {});
+    explicit Simulator(const std::vector<std::string>& arguments = {},
+                       const std::string& input = "/dev/null");
     /// Ends it, unless the test did, and expects exit status 0.
     ~Simulator();
     Simulator(const Simulator&) = delete;

@@ -7,10 +7,18 @@
 #include <fstream>
 #include <string>
 
-/// A file with this text, removed at the end of the test.
+#include <sys/stat.h>
+
+/// A file with this text, or a named pipe, removed at the end of the test.
 class TemporaryFile
 {
 public:
+    enum class Kind { Fifo };
+
+    explicit TemporaryFile(Kind /*fifo*/) : TemporaryFile("")
+    {
+        Require(unlink(path.c_str()) == 0 && mkfifo(path.c_str(), 0600) == 0, path);
+    }
     explicit TemporaryFile(const std::string& text)
         : path(std::filesystem::temp_directory_path() / "vantrel-sim-test-XXXXXX")
     {
