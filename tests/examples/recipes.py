@@ -72,10 +72,10 @@ class Engine:
 
     def control(self, line):
         with self.logged:
-            seen = sum(line in entry for entry in self.log)
+            seen = sum("control: " in entry for entry in self.log)
         self.process.stdin.write(line + "\n")
         self.process.stdin.flush()
-        self.await_log(line, seen + 1)
+        self.await_log("control: ", seen + 1)
 
     def __exit__(self, *_):
         self.process.terminate()
