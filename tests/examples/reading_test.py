@@ -79,11 +79,6 @@ class ModuleState(RecipeTest):
         with Engine("--fault=control-characters"):
             self.assertEqual("", self.assert_ends(0, "module-state"))
 
-    def test_of_very_many(self):
-        with self.engine("huge", pump="running"):
-            self.assertEqual("module huge running\nmodule pump running\n",
-                             self.assert_ends(0, "module-state"))
-
     def test_wrong_command_lines(self):
         for arguments in [[""], ["a-b"], ["a b"], ["a\\n"], ["*"], ["a", "b"]]:
             with self.subTest(arguments):
