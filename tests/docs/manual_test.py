@@ -58,7 +58,7 @@ def effect_of_a_single_dash(name, *argument):
     meant_requests, meant = run_in_debug_mode(f"--{name}", *argument)
     if ended.returncode != 0:
         assert not requests
-        return f"rejected, status {ended.returncode}"
+        return f"rejected, exit status {ended.returncode}"
     if (requests, ended.stdout) == (meant_requests, meant.stdout):
         return f"--{name}"
     return f"--{requests[-1]['command']}={requests[-1]['module']}"
