@@ -15,7 +15,7 @@ VANTREL_SIM = os.environ["VANTREL_SIM"]
 INSTALLED = pathlib.Path(os.environ["INSTALLED"])
 
 # Generous: they only keep a broken build from hanging, no test passes or fails by the clock.
-PATIENCE = 60
+PATIENCE = 240
 
 
 class Engine:

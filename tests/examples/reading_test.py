@@ -2,7 +2,6 @@
 quorlan-retry.
 """
 
-import re
 import socket
 import threading
 import time
@@ -131,15 +130,6 @@ class Tables(FakeTable):
         self.assertEqual("module a running\n", self.read(self.MODULES, ("a", "running", "1"),
                                                          ("a", "stopped", "1")))
         self.assert_state("running", "a")
-
-    def test_the_manual_reads_them_in_the_same_way(self):
-        """Its example, for every kind of row."""
-        example = re.search(r"\| (awk .*)", recipes.support.SOURCE.joinpath(
-            "docs/man/quorlan.1").read_text()).group(1).replace(r"\(aq", "'")
-        rows = [("pump1x", "stopped", "1"), ("pump1", "fifteen--chars-", "1.0")]
-        self.put_table(self.SERVICES, *rows)
-        output = self.assert_ends(0, "sh", "-c", f"quorlan --list | {example}")
-        self.assertEqual("fifteen--chars-\n", output)
 
 
 class Metrics(RecipeTest):
