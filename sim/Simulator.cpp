@@ -28,7 +28,8 @@ constexpr std::uint64_t maxDelay = 86400000; // a day
 
 } // namespace
 
-Simulator::Simulator(std::optional<std::vector<std::string>> command) : command(std::move(command))
+Simulator::Simulator(std::optional<std::vector<std::string>> command, std::string version)
+    : command(std::move(command)), version(std::move(version))
 {
 }
 
@@ -40,6 +41,8 @@ void Simulator::defineOptions(Poco::Util::OptionSet& options)
     Application::defineOptions(options);
     options.addOption(Option("help", "h", "Display help information")
                           .callback(Callback(this, &Simulator::HandleHelp)));
+    options.addOption(Option("version", "v", "Display the version")
+                          .callback(Callback(this, &Simulator::HandleVersion)));
     options.addOption(Option("state", "s", "Read the services and modules from a JSON file")
                           .argument("<file>")
                           .callback(Callback(this, &Simulator::HandleState)));
@@ -58,14 +61,19 @@ void Simulator::defineOptions(Poco::Util::OptionSet& options)
                           .callback(Callback(this, &Simulator::HandleLogFormat)));
     options.addOption(Option("isolated", "", "Give simulator and command a network of their own")
                           .callback(Callback(this, &Simulator::HandleIsolated)));
-    options.addOption(
-        Option("control", "", "Take commands from standard input, such as \"help\"")
-            .callback(Callback(this, &Simulator::HandleControl)));
+    options.addOption(Option("control", "", "Take commands from standard input, such as \"help\"")
+                          .callback(Callback(this, &Simulator::HandleControl)));
 }
 
 void Simulator::HandleHelp(const std::string& /*name*/, const std::string& /*value*/)
 {
     helpRequested = true;
+    stopOptionsProcessing();
+}
+
+void Simulator::HandleVersion(const std::string& /*name*/, const std::string& /*value*/)
+{
+    versionRequested = true;
     stopOptionsProcessing();
 }
 
@@ -117,6 +125,10 @@ int Simulator::main(const std::vector<std::string>& args)
     try {
         if (helpRequested) {
             PrintHelp();
+            return EXIT_OK;
+        }
+        if (versionRequested) {
+            std::cout << "vantrel-sim v" << version << std::endl;
             return EXIT_OK;
         }
         CheckCommandLine(args);
@@ -172,7 +184,7 @@ The names, and whether the engine carries the command out:
     std::cout << std::flush;
 }
 
-int RunSimulator(int argc, char** argv)
+int RunSimulator(int argc, char** argv, const std::string& version)
 {
     // What follows is the command's, also where it looks like an option.
     char** const end = argv + argc;
@@ -183,7 +195,7 @@ int RunSimulator(int argc, char** argv)
     }
     Poco::AutoPtr<Simulator> simulator;
     try {
-        simulator = new Simulator(std::move(command));
+        simulator = new Simulator(std::move(command), version);
         simulator->init(static_cast<int>(separator - argv), argv);
     } catch (const StartError& error) {
         Report(error.what());

@@ -16,7 +16,7 @@ class Simulator: public Poco::Util::Application
 {
 public:
     /// The command is what follows "--" on the command line, if that is there.
-    explicit Simulator(std::optional<std::vector<std::string>> command);
+    Simulator(std::optional<std::vector<std::string>> command, std::string version);
 
 protected:
     void defineOptions(Poco::Util::OptionSet& options) override;
@@ -24,6 +24,7 @@ protected:
 
 private:
     void HandleHelp(const std::string& name, const std::string& value);
+    void HandleVersion(const std::string& name, const std::string& value);
     void HandleState(const std::string& name, const std::string& value);
     void HandleFault(const std::string& name, const std::string& value);
     void HandleDelay(const std::string& name, const std::string& value);
@@ -37,11 +38,13 @@ private:
     void CheckCommandLine(const std::vector<std::string>& args) const;
 
     bool helpRequested = false;
-    std::optional<std::vector<std::string>> command;
+    bool versionRequested = false;
+    const std::optional<std::vector<std::string>> command;
+    const std::string version;
     Settings settings;
 };
 
 /// Runs the program and reports why it could not start. The result is its exit status.
-int RunSimulator(int argc, char** argv);
+int RunSimulator(int argc, char** argv, const std::string& version);
 
 } // namespace sim

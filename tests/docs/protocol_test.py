@@ -68,7 +68,8 @@ def failures(title):
 
 class Protocol(unittest.TestCase):
     def test_the_schemas_are_schemas(self):
-        self.assertEqual(["command-reply", "engine-status-reply", "list-reply", "request"],
+        self.assertEqual(["command-reply", "engine-status-reply", "list-reply", "log-entry",
+                          "request"],
                          sorted(SCHEMAS))
         for schema in SCHEMAS.values():
             jsonschema.Draft202012Validator.check_schema(schema)

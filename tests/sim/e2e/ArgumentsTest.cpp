@@ -1,4 +1,5 @@
 #include "tests/sim/e2e/Simulator.h"
+#include "tests/support/Tool.h"
 
 #include <gtest/gtest.h>
 
@@ -44,6 +45,17 @@ TEST(SimulatorArguments, ArgumentThatIsNoOptionIsRefused)
     EXPECT_EQ(Simulator({"half"}).End(), Refused(64, "unexpected argument \"half\""));
 }
 
+TEST(SimulatorArguments, VersionIsThatOfTheTool)
+{
+    const std::string ofTheTool = RunTool({"--version"}).out;
+    const std::string line = ofTheTool.substr(0, ofTheTool.find('\n') + 1);
+
+    EXPECT_EQ(line.rfind("quorlan v", 0), 0U) << line;
+    EXPECT_EQ(Simulator({"--version"}).End(),
+              (Outcome{0, "vantrel-sim" + line.substr(line.find(' ')), ""}));
+    EXPECT_EQ(Simulator({"-v", "--bogus"}).End().status, 0);
+}
+
 TEST(SimulatorArguments, HelpExplainsOptionsAndFaults)
 {
     EXPECT_EQ(Simulator({"--help"}).End(),
@@ -54,6 +66,7 @@ to standard error. Runs the command, if one is given, and ends with it and its
 exit status.
 
 -h, --help                  Display help information
+-v, --version               Display the version
 -s<file>, --state=<file>    Read the services and modules from a JSON file
 -f<fault>, --fault=<fault>  Inject a fault (see below; repeatable)
 --delay=<milliseconds>      Wait before each reply
