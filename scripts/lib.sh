@@ -22,28 +22,8 @@ require_static_arch() {
 # Makes the folder $work, which goes when the script ends, however it ends.
 make_work_folder() {
     work=$(mktemp -d)
-    simulator=
-    trap clean_up EXIT
+    trap 'rm -rf "$work"' EXIT
     trap 'exit 130' HUP INT TERM PIPE
-}
-
-clean_up() {
-    trap '' HUP INT TERM PIPE
-    if [ -n "$simulator" ]; then
-        kill "$simulator" 2>/dev/null || true
-        wait "$simulator" || true
-    fi
-    rm -rf "$work"
-}
-
-# start_simulator PROGRAM: returns when it listens. It ends with the script. Needs $work.
-start_simulator() {
-    "$1" 2>"$work/simulator.log" &
-    simulator=$!
-    until grep -q listening "$work/simulator.log"; do
-        kill -0 "$simulator" 2>/dev/null || fail 69 "$(cat "$work/simulator.log")"
-        sleep 0.05
-    done
 }
 
 # Runs unshare, in a user namespace that makes this user root unless he is.
