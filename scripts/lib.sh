@@ -19,7 +19,7 @@ require_static_arch() {
     esac
 }
 
-# Makes the folder $work, which goes when the script ends, however it ends.
+# Creates the folder $work and removes it when the script ends.
 make_work_folder() {
     work=$(mktemp -d)
     simulator=
@@ -36,7 +36,7 @@ clean_up() {
     rm -rf "$work"
 }
 
-# start_simulator PROGRAM: returns when it listens. It ends with the script. Needs $work.
+# start_simulator PROGRAM: returns when it listens, and ends it with the script. Needs $work.
 start_simulator() {
     "$1" 2>"$work/simulator.log" &
     simulator=$!
@@ -46,7 +46,7 @@ start_simulator() {
     done
 }
 
-# Runs unshare, in a user namespace that makes this user root unless he is.
+# Runs unshare as root: another user becomes root in a new user namespace.
 unshare_as_root() {
     if [ "$(id -u)" -eq 0 ]; then
         unshare "$@"
