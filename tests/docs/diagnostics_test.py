@@ -6,6 +6,7 @@ that no case produces, and no case may produce one that the page doesn't list.
 
 import concurrent.futures
 import contextlib
+import os
 import re
 import subprocess
 import typing
@@ -26,6 +27,7 @@ MISSING = BAD_REPLY + "Invalid access: Can not convert empty value.\n"
 NO_MODULE = "does not match regular expression [0-9A-Za-z]{1,16}$\n"
 NO_MEMORY = "terminate called after throwing an instance of 'std::bad_alloc'\n" \
             "  what():  std::bad_alloc\n"
+NO_PATTERN_MEMORY = "Error in regular expression: failed to get memory (at offset 18)\n"
 NO_COMMAND = "No command specified\n"
 SELF_REFERENCE = "${application.baseName}.link"
 CIRCULAR = "Circular reference: Too many property references encountered\n"
@@ -213,6 +215,7 @@ class Diagnostics(unittest.TestCase):
         self.by_an_unusual_name()
         self.without_a_network()
         self.with_little_memory()
+        self.with_failing_allocations()
         for message in self.messages:
             with self.subTest(message.tag):
                 self.assertEqual(message.statuses, self.produced[message.tag])
@@ -261,6 +264,23 @@ class Diagnostics(unittest.TestCase):
         self.assertLessEqual(expected, seen)
         for ended in expected:
             self.note(*ended)
+
+    def with_failing_allocations(self):
+        """Which allocation leads to what depends on the machine, so many are tried, one at a time."""
+        no_arguments = {(78, "", "std::bad_alloc\n"), (70, NO_COMMAND, "std::bad_alloc\n")}
+        checking = {(78, "", NO_PATTERN_MEMORY)}
+        library = os.environ["ALLOCATION_FAULTS"]
+        for arguments, expected in [([], no_arguments), (["--start=valve"], checking)]:
+            seen = set() if library else expected
+            for nth in range(350, 1000):  # the earlier ones are made while the program starts
+                if expected <= seen:
+                    break
+                seen.add(outcome([support.QUORLAN, *arguments], env={
+                    "HOME": "/", "PATH": "/usr/bin:/bin", "LD_PRELOAD": library,
+                    "FAULT_CALL": "malloc", "FAULT_NTH": str(nth), "FAULT_ERRNO": "12"}))
+            self.assertLessEqual(expected, seen)
+            for ended in expected:
+                self.note(*ended)
 
     def test_every_sentence_of_the_code_is_in_the_manual_page(self):
         page = re.sub(".\b", "", support.run(["mandoc", "-Tutf8", "-Owidth=500", PAGE]).stdout)

@@ -13,7 +13,8 @@ Comments directly before a block, "<!-- ... -->" or '.\\" ...', change that:
 Every character of the output is compared, also spaces at the ends of lines and empty lines. As nobody
 sees such spaces, they have to be followed by "\\&" in the manual page, which stands for nothing; in
 Markdown, show the output through "cat -e". Blocks fenced as "sh" are not run; the tests check their
-syntax and that the scripts they name exist.
+syntax and that the scripts they name exist. manual_test.py runs the manual page's script, a block
+that begins with "#!".
 """
 
 import contextlib
@@ -45,6 +46,9 @@ class Block:
             while count < len(lines) and lines[count].startswith("> "):
                 count += 1
             yield "\n".join([lines[0], *(line[2:] for line in lines[1:count])]), lines[count:]
+
+    def is_script(self):
+        return self.text.startswith("#!")
 
     def engine(self):
         arguments = self.comments.get("engine", "")
@@ -102,7 +106,7 @@ class Documents(unittest.TestCase):
         return ended.stdout.split(MARKER)[:len(commands)]
 
     def compare(self, document):
-        found = list(blocks(document, "console"))
+        found = [block for block in blocks(document, "console") if not block.is_script()]
         for block in found:
             with self.subTest(f"{document.relative_to(support.SOURCE)}:{block.line}"):
                 outputs = self.execute(block)

@@ -10,6 +10,7 @@ import re
 import shlex
 import unittest
 
+import documents_test
 import raw_peer
 import support
 
@@ -57,10 +58,10 @@ def effect_of_a_single_dash(name, *argument):
     meant_requests, meant = run_in_debug_mode(f"--{name}", *argument)
     if ended.returncode != 0:
         assert not requests
-        return f"refused, status {ended.returncode}"
+        return f"rejected, exit status {ended.returncode}"
     if (requests, ended.stdout) == (meant_requests, meant.stdout):
-        return "the same as with two dashes"
-    return f"{requests[-1]['command']} {requests[-1]['module']}"
+        return f"--{name}"
+    return f"--{requests[-1]['command']}={requests[-1]['module']}"
 
 
 class ManualPage(unittest.TestCase):
@@ -74,12 +75,23 @@ class ManualPage(unittest.TestCase):
 
     def test_says_what_a_long_name_after_a_single_dash_does(self):
         table = re.search(r"^written\t.*\n_\n(.*?)^\.TE", section("CAVEATS"), re.M | re.S).group(1)
+        table = table.replace("\\-", "-")
         effects = {}
         for _, name, argument in map(option, tags("OPTIONS")):
             words = [name, *{"module": ["valve"], "enable": ["true"]}.get(argument, [])]
             effects["-" + " ".join(words)] = effect_of_a_single_dash(*words)
-        self.assertEqual(effects, dict(line.replace("\\-", "-").split("\t")
-                                       for line in table.splitlines()))
+        self.assertEqual(effects, dict(line.split("\t") for line in table.splitlines()))
+
+    def test_says_how_a_long_name_after_a_single_dash_gets_its_argument(self):
+        for word, command in [("-start=valve", "start"), ("-star=valve", "start"),
+                              ("-sta=valve", "start"), ("-re=valve", "restart")]:
+            with self.subTest(word):
+                self.assertEqual({"command": command, "module": "valve"},
+                                 run_in_debug_mode(word)[0][-1])
+        for word in ["-start", "-star"]:
+            with self.subTest(word):
+                requests, ended = run_in_debug_mode(word, "valve")
+                self.assertEqual(([], 78), (requests, ended.returncode))
 
     def test_says_which_commands_need_debug_mode(self):
         said, checking = [], []
@@ -119,6 +131,30 @@ class ManualPage(unittest.TestCase):
                         ended = support.run([support.QUORLAN, *arguments])
                 self.assertEqual(expected, str(ended.returncode), ended.stdout + ended.stderr)
                 self.assertIn(expected, named)
+
+    def test_has_a_script_that_prints_a_state_or_why_there_is_no_list(self):
+        [script] = [block.text for block in documents_test.blocks(PAGE, "") if block.is_script()]
+        path = f"{pathlib.Path(support.QUORLAN).parent}:/usr/bin:/bin"
+
+        def outcome():
+            ended = support.run(["sh", "-c", script], env={"PATH": path})
+            return ended.returncode, ended.stdout, ended.stderr
+
+        def listing(*states):
+            modules = [{"name": name, "state": state, "version": "1"} for name, state in states]
+            return raw_peer.Peer(
+                json.dumps({"resultCode": 0, "services": [], "modules": modules}).encode())
+
+        with support.Engine():
+            self.assertEqual((0, "running\n", ""), outcome())
+        with listing(("pump1x", "stopped"), ("pump1", "fifteen--chars-"), ("pump", "failed")):
+            self.assertEqual((0, "fifteen--chars-\n", ""), outcome())
+        with listing(("pump1", "not  yet"), ("x" * 30, "stopped")):
+            self.assertEqual((0, "not  yet\n", ""), outcome())
+        with support.Engine("--fault=error-code"):
+            self.assertEqual((6, "", "Refused on purpose\n"), outcome())
+        self.assertEqual((69, "", "Failed to connect to Vantrel at 127.0.0.1:7777; "
+                                  "Connection refused\n"), outcome())
 
     def test_is_clean_for_mandoc(self):
         self.assert_silent(["mandoc", "-Tlint", "-Wwarning", PAGE])

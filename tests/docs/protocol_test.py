@@ -16,8 +16,11 @@ GUIDE = support.SOURCE / "docs/protocol.md"
 SCHEMAS = {path.stem: json.loads(path.read_text())
            for path in (support.SOURCE / "docs/schemas").glob("*.json")}
 
-MODULE_COMMANDS = ["start", "stop", "restart", "reconfigure", "monitor", "status", "pid"]
-PLAIN_COMMANDS = ["list", "engine-status", "update", "update-status"]
+# {command: other member of its request}, from the guide's table.
+COMMANDS = dict(re.findall(r"^\| `([\w-]+)` \|(?: `(module|boolean)`)? \| [^|]+ \|$",
+                           GUIDE.read_text(), re.M))
+MODULE_COMMANDS = [command for command, member in COMMANDS.items() if member == "module"]
+PLAIN_COMMANDS = [command for command, member in COMMANDS.items() if not member]
 
 
 def validator(name):
@@ -56,6 +59,13 @@ OTHER_ENGINES = {
 }
 
 
+def failures(title):
+    """The rows of the table below a heading: what happens, the faults that show it, the status."""
+    part = re.search(rf"^### {title}.*?(?=^###|^<!--)", GUIDE.read_text(), re.M | re.S).group()
+    return [(case, re.findall(r"`([\w-]+)`", faults), status) for case, faults, status
+            in re.findall(r"^\| ([^|]+) \|([^|]*)\| (\d+|the code) \|$", part, re.M)]
+
+
 class Protocol(unittest.TestCase):
     def test_the_schemas_are_schemas(self):
         self.assertEqual(["command-reply", "engine-status-reply", "list-reply", "request"],
@@ -75,6 +85,18 @@ class Protocol(unittest.TestCase):
                     validator("request").validate(json.loads(request))
                     validator(reply_kind[7:] + "-reply").validate(json.loads(reply))
                     self.assertEqual(json.loads(reply), ask(request.strip()))
+
+    def test_the_table_of_commands_is_that_of_the_schema(self):
+        said = {command: {"command"} | ({member} if member else set())
+                for command, member in COMMANDS.items()}
+        self.assertEqual(12, len(said))
+        for command, members in said.items():
+            for other in [set(), {"module"}, {"boolean"}]:
+                request = {"command": command,
+                           **{name: {"module": "valve", "boolean": "true"}[name] for name in other}}
+                with self.subTest(request):
+                    self.assertEqual(set(request) == members,
+                                     validator("request").is_valid(request))
 
     def test_the_requests_of_the_tool_fit_their_schema(self):
         for arguments, count in [*(([f"--{c}=valve"], None) for c in MODULE_COMMANDS),
@@ -150,12 +172,15 @@ class Protocol(unittest.TestCase):
                 self.assertFalse(validator(schema).is_valid(value))
         validator("engine-status-reply").validate(status)
 
-    def test_each_fault_ends_as_the_table_says(self):
-        rows = re.findall(r"^\| ([^|]+) \| (?:`([\w-]+)` )?\| (\d+|the code) \| (\d+)[^|]* \|$",
-                          GUIDE.read_text(), re.M)
-        self.assertEqual(set(OTHER_ENGINES), {case for case, fault, _, _ in rows if not fault})
-        for case, fault, plain, gated in rows:
-            engine = support.Engine(f"--fault={fault}") if fault else OTHER_ENGINES[case]
+    def test_each_fault_ends_as_the_tables_say(self):
+        replies = failures("A command and its reply")
+        checks = {fault: status for _, faults, status in failures("The check of debug mode")
+                  for fault in faults}
+        self.assertEqual(set(OTHER_ENGINES), {case for case, faults, _ in replies if not faults})
+        self.assertEqual(set(checks), {fault for _, faults, _ in replies for fault in faults})
+        for case, faults, plain in replies:
+            engine = support.Engine(f"--fault={faults[0]}") if faults else OTHER_ENGINES[case]
+            gated = checks[faults[0]] if faults else 76
             with self.subTest(case), engine:
                 if plain == "the code":
                     plain = ask('{"command":"list"}')["resultCode"]
