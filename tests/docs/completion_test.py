@@ -3,6 +3,7 @@
 Usage: completion_test.py Bash|Zsh|Fish
 """
 
+import contextlib
 import os
 import pathlib
 import re
@@ -228,32 +229,18 @@ class Completion:
                 with self.subTest(end=end, typed=typed):
                     self.assert_left_alone(f"quorlan {end} {typed}")
 
-    def test_offers_no_name_without_an_engine(self):
-        self.assert_offers_no_name_but_the_options()
+    def test_offers_no_name_without_a_list(self):
+        for fault in ["silent", "garbage", "error-code", None]:
+            engine = support.Engine(f"--fault={fault}") if fault else contextlib.nullcontext()
+            with self.subTest(fault), engine:
+                self.assert_left_alone("quorlan --start=va", self.NO_NAMES)
+                self.assert_completes("quorlan --eng", "quorlan --engine-status ")
 
-    def test_offers_no_name_of_an_engine_that_is_silent(self):
-        with support.Engine("--fault=silent"):
-            self.assert_offers_no_name_but_the_options()
-
-    def test_offers_no_name_of_an_engine_that_sends_garbage(self):
-        with support.Engine("--fault=garbage"):
-            self.assert_offers_no_name_but_the_options()
-
-    def test_offers_no_name_of_an_engine_that_refuses(self):
-        with support.Engine("--fault=error-code"):
-            self.assert_offers_no_name_but_the_options()
-
-    def test_takes_no_name_from_a_list_that_failed(self):
-        self.put_in_place_of_the_tool(f"printf '{TABLE_OF_ALL_KINDS}'\nexit 76\n")
-        self.assert_left_alone("quorlan --start=di", self.NO_NAMES)
-
-    def test_comes_back_from_a_tool_that_never_ends(self):
-        self.put_in_place_of_the_tool("exec sleep infinity\n")
-        self.assert_left_alone("quorlan --start=di", self.NO_NAMES)
-
-    def assert_offers_no_name_but_the_options(self):
-        self.assert_left_alone("quorlan --start=va", self.NO_NAMES)
-        self.assert_completes("quorlan --eng", "quorlan --engine-status ")
+    def test_takes_no_name_from_a_list_that_failed_or_never_ends(self):
+        for end in ["exit 76", "exec sleep infinity"]:
+            with self.subTest(end):
+                self.put_in_place_of_the_tool(f"printf '{TABLE_OF_ALL_KINDS}'\n{end}\n")
+                self.assert_left_alone("quorlan --start=di", self.NO_NAMES)
 
 
 class Bash(Completion, unittest.TestCase):
