@@ -38,11 +38,11 @@ constexpr bool once = false;
 constexpr bool repeatable = true;
 
 constexpr Argument none{nullptr, nullptr};
-// The validator anchors the match at the start by itself.
+// The validator matches from the start of the argument.
 constexpr Argument moduleName{"<module>", "[0-9A-Za-z]{1,16}$"};
 constexpr Argument trueOrFalse{"<enable>", "^(?i)(true|false)$"};
 
-// "monitor" reads as if it started monitoring; the engine's command of that name stops it.
+// --monitor stops monitoring, despite its name; the engine's command does the same.
 // clang-format off
 constexpr OptionRow optionTable[] = {
     {"help", "h", "Display help information",
@@ -91,9 +91,8 @@ void Quorlan::defineOptions(Poco::Util::OptionSet& options)
             .group(row.group)
             .callback(Poco::Util::OptionCallback<Quorlan>(this, row.handler));
         if (row.argument.placeholder != nullptr) {
-            option.argument(row.argument.placeholder)
-                .validator(
-                    new Poco::Util::RegExpValidator(row.argument.pattern)); // owned by option
+            auto* const validator = new Poco::Util::RegExpValidator(row.argument.pattern);
+            option.argument(row.argument.placeholder).validator(validator); // which it owns then
         }
         options.addOption(option);
     }

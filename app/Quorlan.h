@@ -94,8 +94,8 @@ private:
 
     // commands/EngineStatus.cpp
 
-    /// Asks the engine. Also false when the engine could not be reached or its reply has no usable
-    /// flag: that has then been reported and exitCode is EXIT_PROTOCOL in either case.
+    /// Asks the engine. If that fails or the reply has no usable flag, reports it, sets exitCode to
+    /// EXIT_PROTOCOL and returns false.
     bool IsDebugModeEnabled();
 
     // commands/Listing.cpp

@@ -10,8 +10,8 @@
 
 namespace {
 
-// POCO's application reads the working directory in its constructor and aborts where there is none:
-// an update job may have removed the folder that it calls the tool from.
+// POCO's application aborts without a working directory. An update job may have removed the folder
+// it runs the tool in.
 void EnsureWorkingDirectory()
 {
     std::array<char, PATH_MAX> path; // NOLINT(*-member-init): written by getcwd

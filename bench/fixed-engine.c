@@ -1,5 +1,5 @@
-// An engine that answers every request with the same reply, which it reads once from a file, so
-// that little of an exchange's time is its own. Prints one line when it listens.
+// An engine that adds little to the time of an exchange: it answers every request with the same
+// reply, which it reads from a file when it starts. Prints one line when it listens.
 //
 // Usage: fixed-engine REPLY-FILE
 

@@ -85,8 +85,8 @@ def wall_times(command, runs):
 
 
 def interleaved_wall_times(commands):
-    """The commands take turns, so that a change of the machine's load affects all of them. Each runs
-    for about a second in each round."""
+    """The commands take turns, so that a change of the machine's load affects all of them. In each
+    round, each runs for about a second."""
     runs = {name: min(300, max(5, int(1 / statistics.median(wall_times(command, 3)))))
             for name, command in commands.items()}
     times = {name: [] for name in commands}

@@ -4,7 +4,6 @@
 # date and time of the last build in which another field or an <input> changed: what the program is
 # linked from.
 
-find_package(Git QUIET)
 set(build_info_scripts "${CMAKE_CURRENT_LIST_DIR}")
 
 function(add_build_info target)
@@ -14,9 +13,16 @@ function(add_build_info target)
       message(FATAL_ERROR "QUORLAN_REVISION is \"${QUORLAN_REVISION}\", which is not a revision: "
                           "7 to 40 hexadecimal digits")
     endif()
-  elseif(NOT GIT_FOUND OR NOT EXISTS "${PROJECT_SOURCE_DIR}/.git")
-    message(WARNING "--version will show an unknown revision: there is no git repository to ask, "
-                    "and QUORLAN_REVISION is not set")
+  else()
+    execute_process(
+      COMMAND git "--git-dir=${PROJECT_SOURCE_DIR}/.git" rev-parse HEAD
+      RESULT_VARIABLE result
+      ERROR_VARIABLE reason
+      OUTPUT_QUIET)
+    if(NOT result EQUAL 0)
+      message(WARNING "--version will show an unknown revision: QUORLAN_REVISION is not set, and git "
+                      "has none: ${reason}")
+    endif()
   endif()
 
   set(fields "${CMAKE_CURRENT_BINARY_DIR}/version-fields.txt")

@@ -8,8 +8,8 @@
 add_library(quorlan-build-options INTERFACE)
 add_library(quorlan-instrumentation INTERFACE)
 
-# A constructor's parameter may have the name of the member that it initializes. Clang's -Wshadow
-# allows that. GCC's can only leave out all members; what it misses then, Clang reports.
+# A constructor's parameter may have the name of the member that it initializes, which Clang's
+# -Wshadow allows. GCC's -Wshadow=local ignores all members; Clang reports what it misses.
 target_compile_options(
   quorlan-build-options
   INTERFACE $<IF:$<CXX_COMPILER_ID:GNU>,-Wshadow=local,-Wshadow>

@@ -1,5 +1,5 @@
-# One file for any system. Included after BuildOptions, whose target it adds to. docs/device.md says
-# what each option here brings.
+# Links everything into one static file. Included after BuildOptions, whose target it adds to.
+# docs/static-build.md says what each option here brings.
 
 include(CheckIPOSupported)
 check_ipo_supported()
@@ -8,7 +8,7 @@ target_compile_options(quorlan-build-options INTERFACE -ffunction-sections -fdat
                                                        "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
 target_link_options(quorlan-build-options INTERFACE -Wl,--gc-sections -s)
 
-# Debian's C library for the device has no start-up code for position-independent static programs.
+# Debian's C library for armhf has no start-up code for position-independent static programs.
 include(CheckLinkerFlag)
 check_linker_flag(CXX -static-pie QUORLAN_HAS_STATIC_PIE)
 if(QUORLAN_HAS_STATIC_PIE)

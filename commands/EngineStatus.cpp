@@ -66,7 +66,7 @@ void Quorlan::HandleEngineStatusCommand(const std::string& name, const std::stri
 bool Quorlan::IsDebugModeEnabled()
 {
     // The result of SendRequest is ignored on purpose: an unreachable engine leaves an empty reply,
-    // which is then reported as unreadable. The "resultCode" has no say in the gate either.
+    // which is then reported as unreadable. The "resultCode" does not matter here either.
     std::string reply;
     SendRequest(MakeRequest("engine-status"), reply);
     bool enabled = false;

@@ -28,7 +28,7 @@ bool Quorlan::SendRequest(const Poco::JSON::Object& request, std::string& reply)
         Poco::Net::StreamSocket socket(vantrel);
         {
             // The sending side stays open after this scope: the engine knows the end of a request
-            // by its closing brace, and one that waited for end-of-file would wait in vain.
+            // by its closing brace. One that waited for end-of-file would wait forever.
             Poco::Net::SocketStream stream(socket);
             request.stringify(stream, 0, -1);
             stream.flush();

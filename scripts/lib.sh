@@ -19,14 +19,14 @@ require_static_arch() {
     esac
 }
 
-# Makes the folder $work, which goes when the script ends, however it ends.
+# Creates the folder $work and removes it when the script ends.
 make_work_folder() {
     work=$(mktemp -d)
     trap 'rm -rf "$work"' EXIT
     trap 'exit 130' HUP INT TERM PIPE
 }
 
-# Runs unshare, in a user namespace that makes this user root unless he is.
+# Runs unshare as root: another user becomes root in a new user namespace.
 unshare_as_root() {
     if [ "$(id -u)" -eq 0 ]; then
         unshare "$@"

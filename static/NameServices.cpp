@@ -1,9 +1,9 @@
 // A static quorlan has no name services: no user and no host is known.
 //
-// POCO refers to them for user names (in paths of configuration files, which the tool does not
-// read) and for host names (the engine's address is a number). The C library would load modules of
-// the system for them at run time. They may be missing, or not match the C library that was linked.
-// POCO handles "no such entry".
+// POCO uses them for user names (in paths of configuration files, which the tool does not read) and
+// for host names (the engine's address is a number). The C library would load modules of the system
+// for them at run time. They may be missing, or not match the C library that was linked. POCO
+// handles "no such entry".
 
 #include <netdb.h>
 #include <pwd.h>

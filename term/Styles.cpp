@@ -31,9 +31,8 @@ std::ostream& Style(std::ostream& stream, const char* sequence)
 
 bool IsStylingActive(const std::ostream& stream)
 {
-    // Never cached: the descriptor may be attached to something else by the next style. The
-    // terminal is meant to be asked first, also in a run without colors; keep the order of the last
-    // two.
+    // Never cached: the descriptor may point elsewhere by the next style. The terminal is checked
+    // before the flag on purpose; keep the order.
     std::FILE* const handle = StandardHandle(stream);
     return handle != nullptr && isatty(fileno(handle)) != 0 && useColors;
 }
@@ -43,7 +42,7 @@ std::ostream& Bold(std::ostream& stream)
     return Style(stream, "\033[1m");
 }
 
-// Two zeros, unlike the others: the bytes are fixed, terminals read both forms alike.
+// Two zeros on purpose: terminals treat both forms alike, but the output must not change.
 std::ostream& Reset(std::ostream& stream)
 {
     return Style(stream, "\033[00m");

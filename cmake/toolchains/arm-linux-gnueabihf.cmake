@@ -1,4 +1,4 @@
-# The device: 32-bit Arm, hard-float. Debian's cross compiler targets ARMv7-A with VFPv3-D16.
+# 32-bit Arm with hard-float (armhf). Debian's cross compiler targets ARMv7-A with VFPv3-D16.
 
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR arm)

@@ -1,8 +1,9 @@
-"""Presses TAB in the real shells, in a pseudo-terminal, beside engines of every kind.
+"""Presses TAB in the real shells, in a pseudo-terminal, with engines of every kind.
 
 Usage: completion_test.py Bash|Zsh|Fish
 """
 
+import contextlib
 import os
 import pathlib
 import re
@@ -80,13 +81,13 @@ class Shell:
         self.process.send(CLEAR)
         self.await_screen(lambda: self.shown() == PROMPT.strip(), "an empty prompt")
 
-    def completed(self, typed, behind=""):
-        """The command line after TAB at the end of what was typed, before what is behind it, and
-        all that the screen shows."""
+    def completed(self, typed, after=""):
+        """Presses TAB between what was typed and what is after it. Returns the command line then,
+        and all that the screen shows."""
         self.clear()
-        self.process.send(typed + behind + LEFT * len(behind) + TAB + DONE)
+        self.process.send(typed + after + LEFT * len(after) + TAB + DONE)
         self.await_screen(lambda: DONE in self.line() and
-                          self.line().endswith(behind.strip() or DONE), "the end of completion")
+                          self.line().endswith(after.strip() or DONE), "the end of completion")
         return self.line()[len(PROMPT):].removesuffix(DONE), self.shown()
 
     def offered(self, typed, last):
@@ -177,28 +178,14 @@ class Completion:
         for name in ["storage", "network", "pump1", "pump2", "heater"]:
             self.assertIn(name, shown)
 
-    def test_offers_only_names_that_the_tool_takes(self):
+    def test_offers_every_name_that_the_tool_takes_once_and_executes_none(self):
         self.put_in_place_of_the_tool(f"printf '{TABLE_OF_ALL_KINDS}'\n")
         shown = self.shell.offered("quorlan --start=", "sixteenletters16")
-        self.assertIn("disk", shown)
+        for name in ["disk", "fifteen", "thirty", "stateless"]:
+            self.assertEqual(1, shown.count(name), shown)
         for part in ["NAME", "not", "two", "wide", "seventeen", "xxx", "yyy", "touch"]:
             self.assertNotIn(part, shown)
-
-    def test_offers_a_name_whatever_its_state_is(self):
-        self.put_in_place_of_the_tool(f"printf '{TABLE_OF_ALL_KINDS}'\n")
-        shown = self.shell.offered("quorlan --start=", "sixteenletters16")
-        for name in ["fifteen", "thirty", "stateless"]:
-            self.assertIn(name, shown)
-
-    def test_offers_a_service_and_a_module_of_one_name_once(self):
-        self.put_in_place_of_the_tool(f"printf '{TABLE_OF_ALL_KINDS}'\n")
-        shown = self.shell.offered("quorlan --start=", "sixteenletters16")
-        self.assertEqual(1, shown.count("disk"), shown)
         self.assert_completes("quorlan --start=di", "quorlan --start=disk ")
-
-    def test_executes_no_name(self):
-        self.put_in_place_of_the_tool(f"printf '{TABLE_OF_ALL_KINDS}'\n")
-        self.shell.offered("quorlan --start=", "sixteenletters16")
         self.assertFalse((self.folder / "executed").exists())
 
     def test_completes_files_after_a_redirection_only(self):
@@ -213,7 +200,7 @@ class Completion:
         for typed, word in [("--eng", "--engine-status"), ("--debug=t", "--debug=true"),
                             ("-d f", "-d false")]:
             with self.subTest(typed):
-                line, shown = self.shell.completed(f"quorlan {typed}", behind=" --colors")
+                line, shown = self.shell.completed(f"quorlan {typed}", after=" --colors")
                 # The shells differ in the spaces around the cursor.
                 self.assertEqual(f"quorlan {word} --colors".split(),
                                  line.replace(DONE, " ").split(), shown)
@@ -242,61 +229,21 @@ class Completion:
                 with self.subTest(end=end, typed=typed):
                     self.assert_left_alone(f"quorlan {end} {typed}")
 
-    def test_offers_no_name_without_an_engine(self):
-        self.assert_offers_no_name_but_the_options()
+    def test_offers_no_name_without_a_list(self):
+        for fault in ["silent", "garbage", "error-code", None]:
+            engine = support.Engine(f"--fault={fault}") if fault else contextlib.nullcontext()
+            with self.subTest(fault), engine:
+                self.assert_left_alone("quorlan --start=va", self.NO_NAMES)
+                self.assert_completes("quorlan --eng", "quorlan --engine-status ")
 
-    def test_offers_no_name_of_an_engine_that_is_silent(self):
-        with support.Engine("--fault=silent"):
-            self.assert_offers_no_name_but_the_options()
-
-    def test_offers_no_name_of_an_engine_that_sends_garbage(self):
-        with support.Engine("--fault=garbage"):
-            self.assert_offers_no_name_but_the_options()
-
-    def test_offers_no_name_of_an_engine_that_refuses(self):
-        with support.Engine("--fault=error-code"):
-            self.assert_offers_no_name_but_the_options()
-
-    def test_takes_no_name_from_a_list_that_failed(self):
-        self.put_in_place_of_the_tool(f"printf '{TABLE_OF_ALL_KINDS}'\nexit 76\n")
-        self.assert_left_alone("quorlan --start=di", self.NO_NAMES)
-
-    def test_comes_back_from_a_tool_that_never_ends(self):
-        self.put_in_place_of_the_tool("exec sleep infinity\n")
-        self.assert_left_alone("quorlan --start=di", self.NO_NAMES)
-
-    def assert_offers_no_name_but_the_options(self):
-        self.assert_left_alone("quorlan --start=va", self.NO_NAMES)
-        self.assert_completes("quorlan --eng", "quorlan --engine-status ")
-
-    def test_is_installed_where_the_shell_looks(self):
-        for option, file in [("-DCMAKE_INSTALL_PREFIX=/usr", "usr/share/" + self.FILE),
-                             ("-DCMAKE_INSTALL_DATADIR=/data", "data/" + self.FILE)]:
-            with self.subTest(option):
-                self.assertIn(file, self.installed_with(option))
-
-    def installed_with(self, option):
-        """What a build that is configured with the option installs of the completions."""
-        source = self.folder / "source"
-        source.mkdir(exist_ok=True)
-        (source / "CMakeLists.txt").write_text(
-            "cmake_minimum_required(VERSION 3.20)\n"
-            "project(trial LANGUAGES NONE)\n"
-            "set(CMAKE_INSTALL_LIBDIR lib)\n"
-            "include(GNUInstallDirs)\n"
-            f'add_subdirectory("{support.SOURCE}/completions" completions)\n')
-        with tempfile.TemporaryDirectory() as build, tempfile.TemporaryDirectory() as root:
-            for command in [["-G", "Ninja", "-S", source, "-B", build, option],
-                            ["--install", build]]:
-                done = support.run(["cmake", *command], env={**os.environ, "DESTDIR": root})
-                self.assertEqual(0, done.returncode, done.stdout + done.stderr)
-            return [str(path.relative_to(root)) for path in pathlib.Path(root).rglob("*")
-                    if path.is_file()]
+    def test_takes_no_name_from_a_list_that_failed_or_never_ends(self):
+        for end in ["exit 76", "exec sleep infinity"]:
+            with self.subTest(end):
+                self.put_in_place_of_the_tool(f"printf '{TABLE_OF_ALL_KINDS}'\n{end}\n")
+                self.assert_left_alone("quorlan --start=di", self.NO_NAMES)
 
 
 class Bash(Completion, unittest.TestCase):
-    FILE = "bash-completion/completions/quorlan"
-
     @staticmethod
     def make_shell(folder):
         shell = Shell(["bash", "--norc", "--noprofile", "-i"], folder)
@@ -304,7 +251,7 @@ class Bash(Completion, unittest.TestCase):
         return shell
 
     def test_completes_the_part_of_a_word_before_the_cursor(self):
-        line, shown = self.shell.completed("quorlan --mon", behind="valve")
+        line, shown = self.shell.completed("quorlan --mon", after="valve")
         self.assertEqual(f"quorlan --monitor={DONE}valve", line, shown)
 
     def test_completes_where_the_user_has_words_broken_at_spaces_only(self):
@@ -334,7 +281,6 @@ class Bash(Completion, unittest.TestCase):
 
 
 class Zsh(Completion, unittest.TestCase):
-    FILE = "zsh/site-functions/_quorlan"
     NO_NAMES = "no names from the engine"
 
     @classmethod
@@ -361,14 +307,16 @@ class Zsh(Completion, unittest.TestCase):
         self.assert_left_alone("quorlan --start=di")
 
     def test_is_installed_where_the_packager_wants_it(self):
-        folder = "share/zsh/vendor-completions"
-        self.assertIn(f"usr/local/{folder}/_quorlan",
-                      self.installed_with(f"-DQUORLAN_ZSH_COMPLETIONS_DIR={folder}"))
+        options = ["-G", "Ninja", "-DBUILD_TESTING=OFF", "-DCMAKE_INSTALL_DATADIR=data",
+                   "-DQUORLAN_ZSH_COMPLETIONS_DIR=zsh"]
+        done = support.run(["cmake", *options, "-S", support.SOURCE, "-B", self.folder / "build"])
+        self.assertEqual(0, done.returncode, done.stdout + done.stderr)
+        script = (self.folder / "build/completions/cmake_install.cmake").read_text()
+        for folder in ["data/bash-completion/completions", "zsh", "data/fish/vendor_completions.d"]:
+            self.assertIn(f'PREFIX}}/{folder}"', script)
 
 
 class Fish(Completion, unittest.TestCase):
-    FILE = "fish/vendor_completions.d/quorlan.fish"
-
     @staticmethod
     def make_shell(folder):
         # Its absence would make fish read every manual page of the machine.

@@ -111,27 +111,6 @@ class ManualPage(unittest.TestCase):
         self.assertEqual(statuses_in_the_code(), {int(t) for t in tags("EXIT STATUS")
                                                   if t.isdigit()})
 
-    def test_says_the_statuses_that_the_tool_ends_with(self):
-        named = tags("EXIT STATUS")
-        for expected, engine, arguments in [
-                ("0", ["--fault=none"], ["--list"]),
-                ("0", None, ["--help"]),
-                ("0", None, ["stray"]),
-                ("64", None, []),
-                ("69", None, ["--list"]),
-                ("76", None, ["--start=pump1"]),
-                ("76", ["--fault=garbage"], ["--list"]),
-                ("78", None, ["--st=pump1"]),
-        ]:
-            with self.subTest(engine=engine, arguments=arguments):
-                if engine is None:
-                    ended = support.run([support.QUORLAN, *arguments])
-                else:
-                    with support.Engine(*[a for a in engine if a != "--fault=none"]):
-                        ended = support.run([support.QUORLAN, *arguments])
-                self.assertEqual(expected, str(ended.returncode), ended.stdout + ended.stderr)
-                self.assertIn(expected, named)
-
     def test_has_a_script_that_prints_a_state_or_why_there_is_no_list(self):
         [script] = [block.text for block in documents_test.blocks(PAGE, "") if block.is_script()]
         path = f"{pathlib.Path(support.QUORLAN).parent}:/usr/bin:/bin"

@@ -17,7 +17,7 @@ void SetVariable(const char* name, const std::string& value)
     Require(setenv(name, value.c_str(), 1) == 0, name);
 }
 
-// Both read by the preloaded libraries alone; the tool has no environment variables.
+// Only the loader and the preloaded libraries read them; the tool has no environment variables.
 constexpr const char* variables[] = {"LD_PRELOAD",  "FAULT_CALL",  "FAULT_NTH",  "FAULT_TIMES",
                                      "FAULT_ERRNO", "FAULT_LIMIT", "FAULT_MARK", "FAULT_LOG"};
 
@@ -32,7 +32,7 @@ InjectedFault::InjectedFault(const std::string& library, const std::string& call
     SetVariable("FAULT_CALL", call);
     SetVariable("FAULT_MARK", mark);
     SetVariable("FAULT_LOG", folder + "/log");
-    // A sanitizer's own library wants to come first, but works behind another, too.
+    // A sanitizer's own library wants to come first, but works after another, too.
     SetVariable("ASAN_OPTIONS", "verify_asan_link_order=0");
 }
 
@@ -51,10 +51,10 @@ InjectedFault InjectedFault::OfAllocation(int nth)
     return {ALLOCATION_FAULTS, "malloc"};
 }
 
-InjectedFault InjectedFault::ShortTransfers(const std::string& call, int limit)
+InjectedFault InjectedFault::ShortSends(int limit)
 {
     SetVariable("FAULT_LIMIT", std::to_string(limit));
-    return {SOCKET_FAULTS, call};
+    return {SOCKET_FAULTS, "send"};
 }
 
 InjectedFault InjectedFault::None()

@@ -2,7 +2,7 @@
 
 #include <string>
 
-/// While one lives, the programs that this process starts have calls of the C library fail. The
+/// While one lives, calls of the C library fail in the programs that this process starts. The
 /// preloaded libraries, SocketFaults.cpp and AllocationFaults.cpp, say which calls.
 class InjectedFault
 {
@@ -11,8 +11,8 @@ public:
     static InjectedFault OfCall(const std::string& call, int nth, int error, int times = 1);
     /// The nth allocation fails.
     static InjectedFault OfAllocation(int nth);
-    /// Each send or recv moves at most limit bytes.
-    static InjectedFault ShortTransfers(const std::string& call, int limit);
+    /// Each send moves at most limit bytes.
+    static InjectedFault ShortSends(int limit);
 
     /// Nothing fails; what is set of a socket is kept for SocketSettings.
     static InjectedFault None();

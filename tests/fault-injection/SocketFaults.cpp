@@ -6,13 +6,13 @@
 //   FAULT_NTH    the first one that fails, from 1; none if it is not given
 //   FAULT_TIMES  how many fail in a row; 1 if it is not given
 //   FAULT_ERRNO  the error number that they fail with
-//   FAULT_LIMIT  the most bytes that one send or recv moves
+//   FAULT_LIMIT  the most bytes that one send moves
 //   FAULT_MARK   a file that is made when a call fails, so that a test that goes from the first
 //                call to the last knows when there are no more
 //   FAULT_LOG    a file that lists each receive time-out, in microseconds, and each change of a
 //                descriptor's flags, a line each
 //
-// Calls that the C library makes by itself, such as the writes behind a standard stream, don't pass
+// Calls that the C library makes by itself, such as the writes of a standard stream, don't come
 // here.
 
 #include "tests/fault-injection/FaultInjector.h"
@@ -31,10 +31,10 @@ using fault::Fails;
 
 namespace {
 
-std::size_t Limited(const char* call, std::size_t size)
+std::size_t Limited(std::size_t size)
 {
     const auto limit = static_cast<std::size_t>(fault::Number("FAULT_LIMIT", 0));
-    return fault::IsChosen(call) && limit != 0 ? std::min(size, limit) : size;
+    return limit != 0 ? std::min(size, limit) : size;
 }
 
 // The function that a call would have reached without this library.
@@ -48,13 +48,6 @@ void Log(const std::string& line)
 {
     if (const char* const path = std::getenv("FAULT_LOG")) {
         std::ofstream(path, std::ios::app) << line << "\n";
-    }
-}
-
-void LogFcntl(int command)
-{
-    if (command == F_SETFL) {
-        Log("flags");
     }
 }
 
@@ -85,12 +78,12 @@ int setsockopt(int descriptor, int level, int name, const void* value, socklen_t
 
 ssize_t send(int descriptor, const void* data, std::size_t size, int flags)
 {
-    return Fails("send") ? -1 : Next(send, "send")(descriptor, data, Limited("send", size), flags);
+    return Fails("send") ? -1 : Next(send, "send")(descriptor, data, Limited(size), flags);
 }
 
 ssize_t recv(int descriptor, void* data, std::size_t size, int flags)
 {
-    return Fails("recv") ? -1 : Next(recv, "recv")(descriptor, data, Limited("recv", size), flags);
+    return Fails("recv") ? -1 : Next(recv, "recv")(descriptor, data, size, flags);
 }
 
 // Linux closes the descriptor whatever it reports.
@@ -106,18 +99,12 @@ int fcntl(int descriptor, int command, ...)
     va_start(rest, command);
     void* const argument = va_arg(rest, void*);
     va_end(rest);
-    LogFcntl(command);
-    return Fails("fcntl") ? -1 : Next(fcntl, "fcntl")(descriptor, command, argument);
+    if (command == F_SETFL) {
+        Log("flags");
+    }
+    return Fails("fcntl") ? -1 : Next(fcntl, "fcntl64")(descriptor, command, argument);
 }
 
-int fcntl64(int descriptor, int command, ...)
-{
-    va_list rest;
-    va_start(rest, command);
-    void* const argument = va_arg(rest, void*);
-    va_end(rest);
-    LogFcntl(command);
-    return Fails("fcntl") ? -1 : Next(fcntl64, "fcntl64")(descriptor, command, argument);
-}
+int fcntl64(int descriptor, int command, ...) __attribute__((alias("fcntl")));
 
 } // extern "C"

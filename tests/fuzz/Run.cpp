@@ -26,7 +26,7 @@ bool onTerminal = false;
 class CapturedStream
 {
 public:
-    explicit CapturedStream(std::ostream& captured) : stream(captured), original(stream.rdbuf())
+    explicit CapturedStream(std::ostream& stream) : stream(stream), original(stream.rdbuf())
     {
         stream.copyfmt(std::ios(nullptr));
         stream.rdbuf(written.rdbuf()); // clears the stream's state, too

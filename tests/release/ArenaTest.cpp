@@ -61,16 +61,6 @@ TEST(Arena, GivesBlocksThatDoNotOverlapAlsoWhenItIsFull)
     Release(blocks);
 }
 
-TEST(Arena, GivesADifferentBlockForEachRequestOfNothing)
-{
-    void* const one = operator new(0);
-    void* const other = operator new(0);
-
-    EXPECT_NE(one, other);
-    operator delete(other);
-    operator delete(one);
-}
-
 TEST(Arena, AlignsBlocksForEveryType)
 {
     const std::vector<Block> blocks = MakeBlocks(300);
@@ -102,10 +92,16 @@ TEST(Arena, LeavesTheOthersAloneWhenAnEarlierBlockIsReleased)
     Release(blocks);
 }
 
-TEST(Arena, ReleasesNoBlockAtAll)
+TEST(Arena, GivesABlockForEachRequestOfNothingAndReleasesNullPointers)
 {
-    EXPECT_NO_FATAL_FAILURE(operator delete(nullptr));
-    EXPECT_NO_FATAL_FAILURE(operator delete(nullptr, 8));
+    void* const one = operator new(0);
+    void* const other = operator new(0);
+
+    EXPECT_NE(one, other);
+    for (void* const block : {one, other, static_cast<void*>(nullptr)}) {
+        operator delete(block);
+    }
+    operator delete(nullptr, 8);
 }
 
 TEST(Arena, ThrowsForMoreThanThereIs)

@@ -20,7 +20,10 @@ class Descriptor
 {
 public:
     Descriptor() = default;
-    explicit Descriptor(int opened) : descriptor(opened) { Require(opened >= 0, "descriptor"); }
+    explicit Descriptor(int descriptor) : descriptor(descriptor)
+    {
+        Require(descriptor >= 0, "descriptor");
+    }
     Descriptor(Descriptor&& other) noexcept : descriptor(std::exchange(other.descriptor, -1)) {}
     Descriptor& operator=(Descriptor&& other) noexcept
     {

@@ -6,8 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include <regex>
-
 namespace {
 
 const char* const list =
@@ -29,11 +27,6 @@ Outcome Show(const char* reply, const std::string& commandLine, Terminal termina
 {
     ScriptedEngine engine{reply};
     return RunTool(Words(commandLine), terminal);
-}
-
-std::string WithoutEscapes(const std::string& text)
-{
-    return std::regex_replace(text, std::regex("\033\\[[0-9]+m"), "");
 }
 
 } // namespace
@@ -65,44 +58,22 @@ TEST(Colors, OfTheListMarkHeadingsStatesAndHeartbeats)
 
 TEST(Colors, OfTheStatusMarkTheTitleTheModesAndTheState)
 {
+    const auto report = [](const char* safeMode, const char* debugMode) {
+        return std::string("\033[1mVantrel status\033[00m\n"
+                           "------------------------------\n"
+                           "Safe mode:     ") +
+               safeMode + "\033[00m\nDebug mode:    " + debugMode +
+               "\033[00m\n"
+               "State:         \033[34mrunning        \033[00m\n"
+               "Version:       1.0            \n"
+               "Build info:    x              \n"
+               "\n";
+    };
+
     EXPECT_EQ(Show(status, "--colors --engine-status", Terminal::Output),
-              (Outcome{0,
-                       "\033[1mVantrel status\033[00m\n"
-                       "------------------------------\n"
-                       "Safe mode:     \033[31menabled        \033[00m\n"
-                       "Debug mode:    \033[33menabled        \033[00m\n"
-                       "State:         \033[34mrunning        \033[00m\n"
-                       "Version:       1.0            \n"
-                       "Build info:    x              \n"
-                       "\n",
-                       ""}));
-}
-
-TEST(Colors, OfTheStatusShowModesThatAreOffInGreen)
-{
+              (Outcome{0, report("\033[31menabled        ", "\033[33menabled        "), ""}));
     EXPECT_EQ(Show(calmStatus, "--colors --engine-status", Terminal::Output),
-              (Outcome{0,
-                       "\033[1mVantrel status\033[00m\n"
-                       "------------------------------\n"
-                       "Safe mode:     \033[32mdisabled       \033[00m\n"
-                       "Debug mode:    \033[32mdisabled       \033[00m\n"
-                       "State:         \033[34mrunning        \033[00m\n"
-                       "Version:       1.0            \n"
-                       "Build info:    x              \n"
-                       "\n",
-                       ""}));
-}
-
-TEST(Colors, LeaveTheTextBetweenThemAsItIsWithoutThem)
-{
-    for (const auto& [reply, command] :
-         {std::pair(list, "--list"), std::pair(status, "--engine-status")}) {
-        const Outcome plain = Show(reply, command, Terminal::None);
-        const Outcome styled = Show(reply, std::string("--colors ") + command, Terminal::Output);
-
-        EXPECT_NE(styled.out, plain.out);
-        EXPECT_EQ(WithoutEscapes(styled.out), plain.out);
-    }
+              (Outcome{0, report("\033[32mdisabled       ", "\033[32mdisabled       "), ""}));
 }
 
 TEST(Colors, NeedTheOptionAndATerminalAsStandardOutput)
@@ -116,7 +87,7 @@ TEST(Colors, NeedTheOptionAndATerminalAsStandardOutput)
     EXPECT_EQ(Show(list, "--colors --list", Terminal::Both), styled);
 }
 
-TEST(Colors, ColorReportsOnlyFromTheOptionOn)
+TEST(Colors, DoNotApplyToReportsBeforeTheOption)
 {
     ScriptedEngine engine{list, list};
 
@@ -124,7 +95,7 @@ TEST(Colors, ColorReportsOnlyFromTheOptionOn)
               RunTool({"--list"}, Terminal::None));
 }
 
-TEST(Colors, StayOnForEveryReportBehindTheOption)
+TEST(Colors, StayOnForEveryReportAfterTheOption)
 {
     ScriptedEngine engine{R"({"description":"ok","resultCode":0})", list, list};
 

@@ -67,13 +67,6 @@ TEST(ExitStatus, OfABadCommandLineHidesThatOfACommandThatRan)
               (Outcome{78, "no\n", "Incompatible options: list\n"}));
 }
 
-TEST(ExitStatus, OfAnEmptyObjectAsReplyIs76)
-{
-    ScriptedEngine engine{"{}"};
-
-    EXPECT_EQ(RunTool({"--update"}), (Outcome{76, "", missingValue}));
-}
-
 TEST(ExitStatus, OfAnExceptionOutOfTheMainOperationIs70)
 {
     EXPECT_EQ(RunToolAs(selfReference, {}),

@@ -44,12 +44,7 @@ struct Fault
     Manner manner = Manner::Ordinary;
 };
 
-void PrintTo(const Fault* fault, std::ostream* stream)
-{
-    *stream << fault->name;
-}
-
-/// The reply, or what is left of it, behind the request.
+/// Reads the request and sends the reply, or what is left of it.
 Script Answer(std::string bytes)
 {
     Script script; // returned without a copy of the bytes, of which there may be many
@@ -81,16 +76,6 @@ std::string Nested(std::size_t levels, const std::string& reply)
                       "\"x\":" + std::string(levels - 1, '[') + std::string(levels - 1, ']'));
 }
 
-std::string WithEntries(std::size_t count, const std::string& reply)
-{
-    std::string entries;
-    for (std::size_t i = 0; i < count; ++i) {
-        entries += R"({"name":"n","state":"s","version":"v"},)";
-    }
-    entries.back() = ' ';
-    return WithMember(reply, "\"x\":[" + entries + "]");
-}
-
 // clang-format off
 const Fault faultTable[] = {
     // The connection ends early.
@@ -110,8 +95,8 @@ const Fault faultTable[] = {
     {"SilentAfterWholeBlock",
                              [](auto& r) { return Answer(PaddedTo(8192, r)).AwaitClientClose(); },
                              good, keptOpen},
-    {"SilentAfterThreeBlocks",
-                             [](auto& r) { return Answer(PaddedTo(24576, r)).AwaitClientClose(); },
+    {"SilentAfterThreeBlocksAndAByte",
+                             [](auto& r) { return Answer(PaddedTo(24577, r)).AwaitClientClose(); },
                              good, keptOpen},
     {"SilentJustBeforeBlock",
                              [](auto& r) { return Answer(PaddedTo(8191, r)).AwaitClientClose(); },
@@ -127,7 +112,7 @@ const Fault faultTable[] = {
                              good},
     {"ByteByByte",           [](auto& r) { return Answer("").SendInPieces(r, 1, 1ms); }, good},
 
-    // The connection is unusual, and that is all.
+    // The connection is unusual but valid.
     {"HalfClosed",           [](auto& r) { return Answer(r).HalfClose().AwaitClientClose(); }, good},
     {"RepliesBeforeItReads", [](auto& r) { return Script().Send(r); }, good},
 
@@ -141,15 +126,15 @@ const Fault faultTable[] = {
     // The text of the error ends at the NUL that it names.
     {"NulByte",              [](auto& r) { return Answer(std::string(1, '\0') + r); },
                              "JSON Exception: unexpected byte '"},
-    {"NulBehind",            [](auto& r) { return Answer(r + std::string(1, '\0')); },
+    {"NulAfter",             [](auto& r) { return Answer(r + std::string(1, '\0')); },
                              "JSON Exception: Excess characters found after JSON end."},
     {"InvalidUtf8",          [](auto& r) { return Answer(WithMember(r, "\"x\":\"\xc3\x28\"")); },
                              "JSON Exception: invalid UTF-8 text"},
     {"ByteOrderMark",        [](auto& r) { return Answer("\xef\xbb\xbf" + r); },
                              "JSON Exception: unexpected byte '\xef' in value"},
-    {"TextBehind",           [](auto& r) { return Answer(r + "x"); },
+    {"TextAfter",            [](auto& r) { return Answer(r + "x"); },
                              "JSON Exception: Excess characters found after JSON end."},
-    {"ObjectBehind",         [](auto& r) { return Answer(r + "{}"); },
+    {"ObjectAfter",          [](auto& r) { return Answer(r + "{}"); },
                              "JSON Exception: Excess characters found after JSON end."},
     {"CommaTooMany",         [](auto& r) { return Answer(r.substr(0, r.size() - 1) + ",}"); },
                              "JSON Exception: unexpected byte '}' in value"},
@@ -167,18 +152,17 @@ const Fault faultTable[] = {
     {"NullRoot",             [](auto&)   { return Answer("null"); }, noObject},
     {"ArrayRoot",            [](auto& r) { return Answer("[" + r + "]"); }, notAnObject},
 
-    // The reply is unusual, and that is all.
+    // The reply is unusual but valid.
+    {"ByteFFAfter",          [](auto& r) { return Answer(r + "\xff and more"); }, good},
     {"SpacesAround",         [](auto& r) { return Answer("\r\n\t " + r + "\r\n\t "); }, good},
     {"DuplicateKeys",        [](auto& r) { return Answer(WithMember(r,
                                  R"("resultCode":9,"description":"first","debugModeEnabled":false)")); },
                              good},
-    {"ThousandEntries",      [](auto& r) { return Answer(WithEntries(1000, r)); }, good},
     {"OneBlock",             [](auto& r) { return Answer(PaddedTo(8192, r)); }, good},
     {"OneBlockAndAByte",     [](auto& r) { return Answer(PaddedTo(8193, r)); }, good},
     {"OneMebibyte",          [](auto& r) { return Answer(std::string(1 << 20, ' ') + r); }, good},
 
     // The reply is nested.
-    {"Nested100",            [](auto& r) { return Answer(Nested(100, r)); }, good},
     {"Nested128",            [](auto& r) { return Answer(Nested(128, r)); }, good},
     {"Nested129",            [](auto& r) { return Answer(Nested(129, r)); }, tooDeep},
     {"Nested100000",         [](auto& r) { return Answer(Nested(100000, r)); }, tooDeep},
@@ -219,7 +203,9 @@ TEST_P(FaultMatrix, EndsAsTheTableSays)
         EXPECT_EQ(engine.Requests(), isGood ? scenario.requests : scenario.RequestsUpToFault());
     }
     if (fault.manner == Manner::KeptOpen) {
-        EXPECT_GT(engine.Connections().at(scenario.faulty).patience.count(), 4.5);
+        const double patience = engine.Connections().at(scenario.faulty).patience.count();
+        EXPECT_GT(patience, 4.5);
+        EXPECT_LT(patience, 60);
     }
 }
 
@@ -246,11 +232,3 @@ TEST_P(RefusedExchange, EndsTheRun)
 
 INSTANTIATE_TEST_SUITE_P(Faults, RefusedExchange, scenarios,
                          [](const auto& scenario) { return scenario.param->name; });
-
-TEST(Reply, OfAnySizeIsReadWhole)
-{
-    ScriptedEngine engine;
-    engine.OnConnection(Answer(std::string(64 << 20, ' ') + accepted));
-
-    EXPECT_EQ(RunTool({"--update"}), (Outcome{0, "ok\n", ""}));
-}

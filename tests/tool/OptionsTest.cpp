@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
+
 namespace {
 
 /// A reply that suits every command, the query of the debug mode included.
@@ -39,20 +41,10 @@ struct BadLine
     const char* message;
 };
 
-void PrintTo(const GoodLine& line, std::ostream* stream)
-{
-    *stream << line.words;
-}
-
-void PrintTo(const BadLine& line, std::ostream* stream)
-{
-    *stream << line.words;
-}
-
-class GoodCommandLine: public testing::TestWithParam<GoodLine>
+class GoodCommandLine: public testing::TestWithParam<const GoodLine*>
 {
 };
-class RefusedCommandLine: public testing::TestWithParam<BadLine>
+class RefusedCommandLine: public testing::TestWithParam<const BadLine*>
 {
 };
 class CommandOfTheGroup: public testing::TestWithParam<const char*>
@@ -60,72 +52,52 @@ class CommandOfTheGroup: public testing::TestWithParam<const char*>
 };
 
 const auto nameOfLine = [](const auto& line) {
-    return TestName(line.param.words);
+    return TestName(line.param->words);
 };
 
 const char* const query = engineStatusRequest;
 
-} // namespace
-
-TEST_P(GoodCommandLine, LeadsToItsRequestsAndNoOther)
-{
-    const Conversation conversation = Converse(GetParam().words);
-
-    EXPECT_EQ(conversation.outcome.status, 0) << conversation.outcome.err;
-    EXPECT_EQ(conversation.requests, GetParam().requests);
-}
-
 // clang-format off
-INSTANTIATE_TEST_SUITE_P(
-    Options, GoodCommandLine,
-    testing::Values(
-        GoodLine{"--update",            {R"({"command":"update"})"}},
-        GoodLine{"--update now",        {R"({"command":"update"})"}},
-        GoodLine{"--update-status",     {R"({"command":"update-status"})"}},
-        GoodLine{"--update-",           {R"({"command":"update-status"})"}},
-        GoodLine{"--debug true",        {R"({"boolean":"true","command":"debug"})"}},
-        GoodLine{"--debug=false",       {R"({"boolean":"false","command":"debug"})"}},
-        GoodLine{"--debug TRUE",        {R"({"boolean":"TRUE","command":"debug"})"}},
-        GoodLine{"--debug fAlSe",       {R"({"boolean":"fAlSe","command":"debug"})"}},
-        GoodLine{"-d true",             {R"({"boolean":"true","command":"debug"})"}},
-        GoodLine{"-dTrue",              {R"({"boolean":"True","command":"debug"})"}},
-        GoodLine{"--start abc",         {query, R"({"command":"start","module":"abc"})"}},
-        GoodLine{"--start=abc",         {query, R"({"command":"start","module":"abc"})"}},
-        GoodLine{"--start:abc",         {query, R"({"command":"start","module":"abc"})"}},
-        GoodLine{"--star abc",          {query, R"({"command":"start","module":"abc"})"}},
-        GoodLine{"-s abc",              {query, R"({"command":"start","module":"abc"})"}},
-        GoodLine{"-sabc",               {query, R"({"command":"start","module":"abc"})"}},
-        GoodLine{"--stop abc",          {query, R"({"command":"stop","module":"abc"})"}},
-        GoodLine{"-p abc",              {query, R"({"command":"stop","module":"abc"})"}},
-        GoodLine{"--restart abc",       {query, R"({"command":"restart","module":"abc"})"}},
-        GoodLine{"-r abc",              {query, R"({"command":"restart","module":"abc"})"}},
-        GoodLine{"--reconfigure abc",   {query, R"({"command":"reconfigure","module":"abc"})"}},
-        GoodLine{"-c abc",              {query, R"({"command":"reconfigure","module":"abc"})"}},
-        GoodLine{"--list",              {R"({"command":"list"})"}},
-        GoodLine{"--LIST",              {R"({"command":"list"})"}},
-        GoodLine{"--l",                 {R"({"command":"list"})"}},
-        GoodLine{"-l",                  {R"({"command":"list"})"}},
-        GoodLine{"--status abc",        {R"({"command":"status","module":"abc"})"}},
-        GoodLine{"-u abc",              {R"({"command":"status","module":"abc"})"}},
-        GoodLine{"--status 0123456789abcDEF",
-                                        {R"({"command":"status","module":"0123456789abcDEF"})"}},
-        GoodLine{"--engine-status",     {R"({"command":"engine-status"})"}},
-        GoodLine{"--eng",               {R"({"command":"engine-status"})"}},
-        GoodLine{"-e",                  {R"({"command":"engine-status"})"}},
-        GoodLine{"--pid abc",           {R"({"command":"pid","module":"abc"})"}},
-        GoodLine{"-i abc",              {R"({"command":"pid","module":"abc"})"}},
-        GoodLine{"--monitor abc",       {query, R"({"command":"monitor","module":"abc"})"}},
-        GoodLine{"-m abc",              {query, R"({"command":"monitor","module":"abc"})"}}),
-    nameOfLine);
+const GoodLine goodLines[] = {
+    {"--update",            {R"({"command":"update"})"}},
+    {"--update now",        {R"({"command":"update"})"}},
+    {"--update-status",     {R"({"command":"update-status"})"}},
+    {"--update-",           {R"({"command":"update-status"})"}},
+    {"--debug true",        {R"({"boolean":"true","command":"debug"})"}},
+    {"--debug=false",       {R"({"boolean":"false","command":"debug"})"}},
+    {"--debug TRUE",        {R"({"boolean":"TRUE","command":"debug"})"}},
+    {"--debug fAlSe",       {R"({"boolean":"fAlSe","command":"debug"})"}},
+    {"-d true",             {R"({"boolean":"true","command":"debug"})"}},
+    {"-dTrue",              {R"({"boolean":"True","command":"debug"})"}},
+    {"--start abc",         {query, R"({"command":"start","module":"abc"})"}},
+    {"--start=abc",         {query, R"({"command":"start","module":"abc"})"}},
+    {"--start:abc",         {query, R"({"command":"start","module":"abc"})"}},
+    {"--star abc",          {query, R"({"command":"start","module":"abc"})"}},
+    {"-s abc",              {query, R"({"command":"start","module":"abc"})"}},
+    {"-sabc",               {query, R"({"command":"start","module":"abc"})"}},
+    {"--stop abc",          {query, R"({"command":"stop","module":"abc"})"}},
+    {"-p abc",              {query, R"({"command":"stop","module":"abc"})"}},
+    {"--restart abc",       {query, R"({"command":"restart","module":"abc"})"}},
+    {"-r abc",              {query, R"({"command":"restart","module":"abc"})"}},
+    {"--reconfigure abc",   {query, R"({"command":"reconfigure","module":"abc"})"}},
+    {"-c abc",              {query, R"({"command":"reconfigure","module":"abc"})"}},
+    {"--list",              {R"({"command":"list"})"}},
+    {"--LIST",              {R"({"command":"list"})"}},
+    {"--l",                 {R"({"command":"list"})"}},
+    {"-l",                  {R"({"command":"list"})"}},
+    {"--status abc",        {R"({"command":"status","module":"abc"})"}},
+    {"-u abc",              {R"({"command":"status","module":"abc"})"}},
+    {"--status 0123456789abcDEF",
+                            {R"({"command":"status","module":"0123456789abcDEF"})"}},
+    {"--engine-status",     {R"({"command":"engine-status"})"}},
+    {"--eng",               {R"({"command":"engine-status"})"}},
+    {"-e",                  {R"({"command":"engine-status"})"}},
+    {"--pid abc",           {R"({"command":"pid","module":"abc"})"}},
+    {"-i abc",              {R"({"command":"pid","module":"abc"})"}},
+    {"--monitor abc",       {query, R"({"command":"monitor","module":"abc"})"}},
+    {"-m abc",              {query, R"({"command":"monitor","module":"abc"})"}},
+};
 // clang-format on
-
-TEST_P(RefusedCommandLine, EndsBeforeAnyRequest)
-{
-    const Conversation conversation = Converse(GetParam().words);
-
-    EXPECT_EQ(conversation.outcome, (Outcome{78, "", std::string(GetParam().message) + "\n"}));
-    EXPECT_EQ(conversation.requests, std::vector<std::string>{});
-}
 
 #define NO_MATCH(option, expression)                                                               \
     "Invalid option argument: argument for " option " does not match regular "                     \
@@ -134,35 +106,57 @@ TEST_P(RefusedCommandLine, EndsBeforeAnyRequest)
 #define NO_FLAG NO_MATCH("debug", "^(?i)(true|false)$")
 
 // clang-format off
-INSTANTIATE_TEST_SUITE_P(
-    Options, RefusedCommandLine,
-    testing::Values(
-        BadLine{"--start abcdefghijklmnopq", NO_MODULE("start")},
-        BadLine{"--start ab-c",              NO_MODULE("start")},
-        BadLine{"-s -abc",                   NO_MODULE("start")},
-        BadLine{"--start=",                  NO_MODULE("start")},
-        BadLine{"--stop ab_c",               NO_MODULE("stop")},
-        BadLine{"--restart ab.c",            NO_MODULE("restart")},
-        BadLine{"--reconfigure ab/c",        NO_MODULE("reconfigure")},
-        BadLine{"--status \xc3\xa9",         NO_MODULE("status")},
-        BadLine{"--pid abcdefghijklmnopq",   NO_MODULE("pid")},
-        BadLine{"--monitor a,b",             NO_MODULE("monitor")},
-        BadLine{"--debug maybe",             NO_FLAG},
-        BadLine{"--debug 1",                 NO_FLAG},
-        BadLine{"--debug truefalse",         NO_FLAG},
-        BadLine{"--start",                   "Missing option argument: start requires <module>"},
-        BadLine{"-star",                     "Missing option argument: start requires <module>"},
-        BadLine{"-d",                        "Missing option argument: debug requires <enable>"},
-        BadLine{"--update=now",              "Unexpected option argument: update=now"},
-        BadLine{"-el",                       "Unexpected option argument: el"},
-        BadLine{"--bogus",                   "Unknown option specified: bogus"},
-        BadLine{"-x",                        "Unknown option specified: x"},
-        BadLine{"--st abc",                  "Ambiguous option specified: st"},
-        BadLine{"--upd",                     "Ambiguous option specified: upd"},
-        BadLine{"--re abc",                  "Ambiguous option specified: re"},
-        BadLine{"--colors --colors",         "Option must not be given more than once: colors"}),
-    nameOfLine);
+const BadLine badLines[] = {
+    {"--start abcdefghijklmnopq", NO_MODULE("start")},
+    {"--start ab-c",              NO_MODULE("start")},
+    {"-s -abc",                   NO_MODULE("start")},
+    {"--start=",                  NO_MODULE("start")},
+    {"--stop ab_c",               NO_MODULE("stop")},
+    {"--restart ab.c",            NO_MODULE("restart")},
+    {"--reconfigure ab/c",        NO_MODULE("reconfigure")},
+    {"--status \xc3\xa9",         NO_MODULE("status")},
+    {"--pid abcdefghijklmnopq",   NO_MODULE("pid")},
+    {"--monitor a,b",             NO_MODULE("monitor")},
+    {"--debug maybe",             NO_FLAG},
+    {"--debug 1",                 NO_FLAG},
+    {"--debug truefalse",         NO_FLAG},
+    {"--start",                   "Missing option argument: start requires <module>"},
+    {"-star",                     "Missing option argument: start requires <module>"},
+    {"-d",                        "Missing option argument: debug requires <enable>"},
+    {"--update=now",              "Unexpected option argument: update=now"},
+    {"-el",                       "Unexpected option argument: el"},
+    {"--bogus",                   "Unknown option specified: bogus"},
+    {"-x",                        "Unknown option specified: x"},
+    {"--st abc",                  "Ambiguous option specified: st"},
+    {"--upd",                     "Ambiguous option specified: upd"},
+    {"--re abc",                  "Ambiguous option specified: re"},
+    {"--colors --colors",         "Option must not be given more than once: colors"},
+};
 // clang-format on
+
+} // namespace
+
+TEST_P(GoodCommandLine, LeadsToItsRequestsAndNoOther)
+{
+    const Conversation conversation = Converse(GetParam()->words);
+
+    EXPECT_EQ(conversation.outcome.status, 0) << conversation.outcome.err;
+    EXPECT_EQ(conversation.requests, GetParam()->requests);
+}
+
+INSTANTIATE_TEST_SUITE_P(Options, GoodCommandLine,
+                         testing::Range(std::begin(goodLines), std::end(goodLines)), nameOfLine);
+
+TEST_P(RefusedCommandLine, EndsBeforeAnyRequest)
+{
+    const Conversation conversation = Converse(GetParam()->words);
+
+    EXPECT_EQ(conversation.outcome, (Outcome{78, "", std::string(GetParam()->message) + "\n"}));
+    EXPECT_EQ(conversation.requests, std::vector<std::string>{});
+}
+
+INSTANTIATE_TEST_SUITE_P(Options, RefusedCommandLine,
+                         testing::Range(std::begin(badLines), std::end(badLines)), nameOfLine);
 
 // "$" alone would match before a final newline; POCO wants the match to cover the whole argument.
 TEST(Options, RefuseAModuleNameThatIsEmptyOrHasANewlineAtItsEnd)
@@ -176,7 +170,7 @@ TEST(Options, RefuseAModuleNameThatIsEmptyOrHasANewlineAtItsEnd)
     EXPECT_EQ(engine.Requests(), std::vector<std::string>{});
 }
 
-TEST_P(CommandOfTheGroup, RefusesAnotherBehindItAfterItHasRun)
+TEST_P(CommandOfTheGroup, RefusesAnotherAfterItHasRun)
 {
     const Conversation alone = Converse(GetParam());
 

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <iterator>
-#include <ostream>
 #include <string>
 
 namespace {
@@ -46,11 +45,6 @@ struct Value
     Code code;
 };
 
-void PrintTo(const Value* value, std::ostream* stream)
-{
-    *stream << value->json;
-}
-
 // clang-format off
 const Value valueTable[] = {
     {"True",              "true",                 "true",                      yes, Taken(1)},
@@ -70,6 +64,8 @@ const Value valueTable[] = {
     {"TextHexadecimal",   R"("0x10")",            "0x10",                      yes, NoInteger("0x10")},
     {"TextPastCode",      R"("2147483648")",      "2147483648",                yes, NoInteger("2147483648")},
     {"TextWithEscapes",   R"("a\tb\u00e9\"")",    "a\tb\xc3\xa9\"",            yes, NoInteger("a\tb\xc3\xa9\"")},
+    {"TextSurrogatePair", R"("\ud83d\ude00")",    "\xf0\x9f\x98\x80",          yes, NoInteger("\xf0\x9f\x98\x80")},
+    {"TextInUtf8",        "\"\xc3\xa9\xe2\x82\xac\"", "\xc3\xa9\xe2\x82\xac",   yes, NoInteger("\xc3\xa9\xe2\x82\xac")},
     {"TextWithNul",       R"("a\u0000b")",        std::string("a\0b", 3),      yes, NoInteger(std::string("a\0b", 3))},
     {"TextWithEscape",    R"("\u001b[31mred")",   "\033[31mred",               yes, NoInteger("\033[31mred")},
 
@@ -141,11 +137,6 @@ struct Member
     Outcome converted; // how a run with that value ends
 };
 
-void PrintTo(const Member* member, std::ostream* stream)
-{
-    *stream << member->name;
-}
-
 // clang-format off
 // A result code of 3 is not looked at where the member fails.
 const Member memberTable[] = {
@@ -191,12 +182,12 @@ const Member memberTable[] = {
 };
 
 const Member resultCodeTable[] = {
-    {"OfACommand", "--status abc", "resultCode", R"({"description":"d"@})",
+    {"Command", "--status abc", "resultCode", R"({"description":"d"@})",
      "d\n", R"("3")", {3, "d\n", ""}},
-    {"OfTheStatus", "--engine-status", "resultCode",
+    {"Status", "--engine-status", "resultCode",
      R"({"safeModeEnabled":false,"debugModeEnabled":false,"state":"s","version":"v"@})",
      wholeStatus, R"("3")", {3, wholeStatus, ""}},
-    {"OfTheList", "--list", "resultCode", R"({"description":"d","services":[],"modules":[]@})",
+    {"List", "--list", "resultCode", R"({"description":"d","services":[],"modules":[]@})",
      "", R"("3")", {3, "", "d\n"}},
 };
 // clang-format on
@@ -217,7 +208,7 @@ class ConvertedValue: public testing::TestWithParam<const Value*>
 class ReplyMember: public testing::TestWithParam<const Member*>
 {
 };
-class ResultCode: public testing::TestWithParam<const Member*>
+class UnusableResultCode: public testing::TestWithParam<const Member*>
 {
 };
 
@@ -260,16 +251,16 @@ TEST_P(ReplyMember, IsConverted)
 
 INSTANTIATE_TEST_SUITE_P(Members, ReplyMember,
                          testing::Range(std::begin(memberTable), std::end(memberTable)), nameOfRow);
-INSTANTIATE_TEST_SUITE_P(ResultCode, ReplyMember,
+INSTANTIATE_TEST_SUITE_P(Codes, ReplyMember,
                          testing::Range(std::begin(resultCodeTable), std::end(resultCodeTable)),
                          nameOfRow);
 
-TEST_P(ResultCode, ThatIsNoNumberIsRefused)
+TEST_P(UnusableResultCode, IsRefused)
 {
     EXPECT_EQ(RunWith(*GetParam(), R"("x")"),
               (Outcome{76, GetParam()->printedBefore, badReply + NoInteger("x").reason + "\n"}));
 }
 
-INSTANTIATE_TEST_SUITE_P(Members, ResultCode,
+INSTANTIATE_TEST_SUITE_P(Codes, UnusableResultCode,
                          testing::Range(std::begin(resultCodeTable), std::end(resultCodeTable)),
                          nameOfRow);

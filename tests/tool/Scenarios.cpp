@@ -4,8 +4,6 @@
 #include "tests/support/TestName.h"
 #include "tests/tool/Texts.h"
 
-#include <ostream>
-
 namespace {
 
 const char* const list =
@@ -91,11 +89,6 @@ Outcome Scenario::Refused() const
 Outcome Scenario::Unreadable(const std::string& reason) const
 {
     return {76, IsDebugModeQuery() ? debugModeIsOff : "", badReply + reason + "\n"};
-}
-
-void PrintTo(const Scenario* scenario, std::ostream* stream)
-{
-    *stream << scenario->name;
 }
 
 const std::vector<Scenario>& Scenarios()

@@ -2,7 +2,6 @@
 
 #include "tests/support/Tool.h"
 
-#include <iosfwd>
 #include <string>
 #include <vector>
 
@@ -35,8 +34,6 @@ struct Scenario
 private:
     bool IsDebugModeQuery() const { return faulty + 1 < replies.size(); }
 };
-
-void PrintTo(const Scenario* scenario, std::ostream* stream);
 
 /// All seventeen: seven commands that talk to the engine once, five that do twice. A test's
 /// parameter is a pointer to one, as each test is a process that registers all the tests of its

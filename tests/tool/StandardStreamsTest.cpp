@@ -1,4 +1,4 @@
-// What a run is like when its standard streams are not what a program may hope for.
+// A run whose standard streams are closed, full or gone.
 
 #include "tests/support/PrivateNetwork.h"
 #include "tests/support/ScriptedEngine.h"

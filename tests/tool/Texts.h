@@ -2,8 +2,8 @@
 
 #include <string>
 
-// The texts that several commands share. What stands behind "; " and "due to " is POCO's own
-// wording, that of Debian's 1.11.
+// The texts that several commands share. POCO words what follows "; " and "due to "; these are the
+// words of Debian's 1.11.
 
 inline const std::string connectionRefused =
     "Failed to connect to Vantrel at 127.0.0.1:7777; Connection refused\n";

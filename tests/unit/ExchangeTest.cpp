@@ -48,18 +48,6 @@ TEST_F(ExecuteRequest, GivesTheHandlerTheObjectOnceAndBeforeTheResultCode)
     EXPECT_EQ(ExitStatus(), 3);
 }
 
-TEST_F(ExecuteRequest, KeepsTheHandlerFromABadReply)
-{
-    ScriptedEngine engine{"[]"};
-    bool called = false;
-
-    quorlan->ExecuteRequest(MakeRequest("status"),
-                            [&called](const Poco::JSON::Object::Ptr&) { called = true; });
-
-    EXPECT_FALSE(called);
-    EXPECT_EQ(ExitStatus(), 76);
-}
-
 TEST_F(ExecuteRequest, LetsAnotherExceptionOfTheHandlerPass)
 {
     ScriptedEngine engine{R"({"resultCode":3})"};

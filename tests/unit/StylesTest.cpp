@@ -10,17 +10,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-TEST(Styles, AreNeverActiveOnAStreamThatIsNoStandardStream)
-{
-    useColors = true;
-    std::ostringstream stream;
-
-    stream << Bold << Red << Green << Yellow << Blue << Reset;
-
-    EXPECT_FALSE(IsStylingActive(stream));
-    EXPECT_EQ(stream.str(), "");
-}
-
 TEST(Styles, LookAtTheStreamTheyAreAppliedTo)
 {
     const Descriptor terminal(posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC));

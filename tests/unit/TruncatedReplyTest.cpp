@@ -1,52 +1,15 @@
 // A reply that is cut off after any of its bytes, in every exchange. The tool runs in this process,
 // as there are hundreds of runs in a test.
 
-#include "app/Quorlan.h"
-#include "tests/support/ScriptedEngine.h"
+#include "tests/fuzz/Run.h"
 #include "tests/tool/Scenarios.h"
 
 #include <gtest/gtest.h>
 
-#include <iostream>
-#include <sstream>
-
-#include <Poco/AutoPtr.h>
 #include <Poco/Exception.h>
 #include <Poco/JSON/Parser.h>
 
 namespace {
-
-/// Collects what is written to a stream while it lives.
-class Captured
-{
-public:
-    explicit Captured(std::ostream& captured)
-        : stream(captured), original(captured.rdbuf(text.rdbuf()))
-    {
-    }
-    Captured(const Captured&) = delete;
-    Captured& operator=(const Captured&) = delete;
-    ~Captured() { stream.rdbuf(original); }
-
-    std::string Text() const { return text.str(); }
-
-private:
-    std::ostringstream text;
-    std::ostream& stream;
-    std::streambuf* original;
-};
-
-Outcome RunHere(const std::vector<std::string>& arguments)
-{
-    const Captured out(std::cout);
-    const Captured err(std::cerr);
-    std::vector<std::string> words{"quorlan"};
-    words.insert(words.end(), arguments.begin(), arguments.end());
-    Poco::AutoPtr<Quorlan> quorlan(new Quorlan);
-    quorlan->init(words);
-    const int status = quorlan->run();
-    return {status, out.Text(), err.Text()};
-}
 
 // It depends on where the reply ends; POCO's parser is asked here too.
 std::string ReasonToRefuse(const std::string& reply)
@@ -68,15 +31,19 @@ class TruncatedReply: public testing::TestWithParam<const Scenario*>
 TEST_P(TruncatedReply, IsRefusedWhereverItEnds)
 {
     const Scenario& scenario = *GetParam();
-    const std::string& reply = scenario.Reply();
-    ScriptedEngine engine;
-    for (std::size_t size = 0; size < reply.size(); ++size) {
-        scenario.ServeUpToFault(engine);
-        engine.OnConnection(Reply(reply.substr(0, size)));
+    Arguments arguments = scenario.commandLine;
+    arguments.insert(arguments.begin(), "quorlan");
+    for (std::size_t size = 0; size < scenario.Reply().size(); ++size) {
+        const std::string part = scenario.Reply().substr(0, size);
+        Replies replies(scenario.replies.begin(), scenario.replies.end());
+        replies.at(scenario.faulty) = part;
 
-        EXPECT_EQ(RunHere(scenario.commandLine),
-                  scenario.Unreadable(ReasonToRefuse(reply.substr(0, size))))
+        const RunResult run = ::Run(arguments, replies);
+
+        EXPECT_EQ((Outcome{run.status, run.out, run.err}),
+                  scenario.Unreadable(ReasonToRefuse(part)))
             << "after " << size << " bytes";
+        EXPECT_EQ(run.requests, scenario.RequestsUpToFault());
     }
 }
 

@@ -1,9 +1,9 @@
 #include "app/BuildInfo.h"
 
-#include <cstdio>
+void Print(const char* line);
 
 int main()
 {
-    std::puts(versionText);
-    std::puts(buildInfoText);
+    Print(versionText);
+    Print(buildInfoText);
 }

@@ -11,6 +11,7 @@ expect() {
         echo "$what: yes"
     else
         echo "$what: NO, nothing like '$pattern' in: $*"
+        "$@" | head -n 20
         status=1
     fi
 }

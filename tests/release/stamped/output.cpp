@@ -1,0 +1,6 @@
+#include <cstdio>
+
+void Print(const char* line)
+{
+    std::puts(line);
+}
