@@ -258,7 +258,7 @@ class RestartModule(RecipeTest):
                           self.assert_ends(76, "change-module", "restart", "valve"))
 
     def test_unusable_reply_while_the_module_is_on_its_way(self):
-        valve = {"state": "running", "restart": {"seconds": 1}}
+        valve = {"state": "running", "restart": {"seconds": 5}}  # longer than until the first look
         with self.engine("half:restart@1", valve=valve):
             self.assert_ends(0, "change-module", "restart", "valve")
 
