@@ -69,6 +69,7 @@ CASES = [
     # The faults of the simulator.
     Case("close", "--status=valve", 76, "", END_OF_TEXT),
     Case("silent", "--status=valve", 76, "", END_OF_TEXT),
+    Case("stay-open", "--status=valve", 76, "", END_OF_TEXT),
     Case("reset", "--status=valve", 76, "", END_OF_TEXT),
     bad("half", "JSON Exception: unterminated string literal"),
     bad("garbage", "JSON Exception: unexpected byte 'T' in value"),
@@ -79,7 +80,6 @@ CASES = [
     Case("error-code", "--start=valve", 76, DEBUG_MODE, MISSING),
 
     # What the engine sends, or leaves out.
-    Case(raw_peer.Peer(OK, leave_open=True), "--status=valve", 76, "", END_OF_TEXT),
     bad(OK[:-1], "JSON Exception: expected ',' or '}' after member value"),
     bad(OK[:14], "JSON Exception: expected ':' after member name"),
     bad(OK.replace(b"ok", b"\xe9t\xe9"), "JSON Exception: invalid UTF-8 text"),
@@ -223,7 +223,8 @@ class Diagnostics(unittest.TestCase):
     def while_nobody_accepts(self):
         # Both at once, as they may take minutes.
         commands = [[support.QUORLAN, "--status=valve"], [support.QUORLAN, "--start=valve"]]
-        with raw_peer.NobodyAccepts(), concurrent.futures.ThreadPoolExecutor() as pool:
+        raw_peer.shorten_connect_timeout()
+        with support.Engine("--fault=no-accept"), concurrent.futures.ThreadPoolExecutor() as pool:
             plain, gated = pool.map(outcome, commands)
         self.assert_prints((69, NO_ANSWER, ""), plain)
         self.assert_prints((76, NO_ANSWER + DEBUG_MODE, END_OF_TEXT), gated)

@@ -16,12 +16,11 @@ SYSTEM_PATIENCE = 200
 class Peer:
     """Gives each connection the next of its replies, as bytes, and keeps the requests as text.
 
-    The last reply is repeated. With leave_open the client has to close the connection first.
+    The last reply is repeated.
     """
 
-    def __init__(self, *replies, leave_open=False):
+    def __init__(self, *replies):
         self.replies = list(replies)
-        self.leave_open = leave_open
         self.requests = []
 
     def __enter__(self):
@@ -45,26 +44,8 @@ class Peer:
                 reply = self.replies[0] if len(self.replies) == 1 else self.replies.pop(0)
                 try:
                     connection.sendall(reply)
-                    if self.leave_open:
-                        connection.recv(1)
                 except OSError:
                     pass  # the client has ended
-
-
-class NobodyAccepts:
-    """Listens, but the queue of connections is full: the system drops every further one."""
-
-    def __enter__(self):
-        shorten_connect_timeout()
-        self.listener = socket.socket()
-        self.listener.setsockopt(socket.SOL_SOCKET, socket.SO_REUSEADDR, 1)
-        self.listener.bind(ADDRESS)
-        self.listener.listen(0)
-        self.queued = socket.create_connection(ADDRESS)
-
-    def __exit__(self, *_):
-        self.queued.close()
-        self.listener.close()
 
 
 def shorten_connect_timeout():
