@@ -211,9 +211,13 @@ class Checks(RecipeTest):
         self.assertIn("wrong command line", self.assert_ends(78, "quorlan-retry", "--st=pump"))
 
     def test_quorlan_retry_finds_an_engine_that_comes_later(self):
+        self.put_before_quorlan('[ ! -e "$HOME/tried" ] || '
+                                'until [ -e "$HOME/listens" ]; do sleep 0.1; done\n'
+                                ': >"$HOME/tried"')
         retry = self.spawn("quorlan-retry", "--list")
         self.assertIn("Failed to connect", retry.stdout.readline())
         with self.engine():
+            (self.folder / "listens").touch()
             output = self.finish(retry)
         self.assertEqual(0, retry.returncode, output)
 

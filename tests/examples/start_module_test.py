@@ -178,8 +178,9 @@ class EngineFails(RecipeTest):
         with self.engine(valve=stopped(600)) as engine:
             run = self.spawn("start-module", "valve", "3")
             engine.await_request("debug", count=2)
-        self.assertIn("Failed to connect", self.finish(run))
-        self.assertEqual(69, run.returncode)
+        # The engine may go in the middle of a reply, too.
+        self.assertRegex(self.finish(run), "Failed to (connect|parse)")
+        self.assertIn(run.returncode, [69, 76])
 
     def test_restarted_while_it_waits(self):
         with self.engine(valve=stopped(600)) as engine:

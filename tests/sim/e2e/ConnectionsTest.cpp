@@ -38,7 +38,7 @@ std::multiset<std::string> LinesOf(const std::string& text)
 TEST(SimulatorConnections, AreServedWhileManyOthersAreOpen)
 {
     const Simulator simulator;
-    std::vector<Client> clients(100);
+    std::vector<Client> clients(40);
     for (Client& client : clients) {
         client.Send(R"({"command":"status","module":")");
     }
