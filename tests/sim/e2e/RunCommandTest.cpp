@@ -11,12 +11,11 @@
 
 namespace {
 
-using Words = std::vector<std::string>;
-
 /// The run of a simulator with this command, from its start to its end.
-Outcome RunWith(const Words& command, const Words& options = {})
+Outcome RunWith(const std::vector<std::string>& command,
+                const std::vector<std::string>& options = {})
 {
-    Words words = {VANTREL_SIM};
+    std::vector<std::string> words = {VANTREL_SIM};
     words.insert(words.end(), options.begin(), options.end());
     words.emplace_back("--");
     words.insert(words.end(), command.begin(), command.end());
