@@ -30,6 +30,11 @@ std::optional<bool> ParseSwitch(const std::string& word)
     return word == "on";
 }
 
+std::string NotUnderstood(const std::string& line)
+{
+    return "not understood: \"" + Printable(line) + R"(" ("help" lists the commands))";
+}
+
 } // namespace
 
 const Control::Command Control::commands[] = {
@@ -41,10 +46,7 @@ const Control::Command Control::commands[] = {
     {"help", "", 0, &Control::Help},
 };
 
-Control::Control(Service& service, Server& server)
-    : service(service), server(server), descriptor(STDIN_FILENO)
-{
-}
+Control::Control(Service& service, Server& server) : service(service), server(server) {}
 
 void Control::Read()
 {
@@ -89,9 +91,7 @@ void Control::CarryOut(const std::string& line)
         return;
     }
     const std::string result = RunLine(words);
-    service.log.Write("control: " + (result.empty() ? "not understood: \"" + Printable(line) +
-                                                          "\" (\"help\" lists the commands)"
-                                                    : result));
+    service.log.Write("control: " + (result.empty() ? NotUnderstood(line) : result));
 }
 
 std::string Control::RunLine(const Words& words)

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include <unistd.h>
+
 namespace sim {
 
 /// Commands to the simulator itself, from standard input, a line each. What becomes of each is
@@ -52,7 +54,7 @@ private:
 
     Service& service;
     Server& server;
-    int descriptor;
+    int descriptor = STDIN_FILENO;
     std::string input;                // the beginning of a line
     std::optional<TimePoint> downEnd; // none while it listens
 };

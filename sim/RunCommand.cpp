@@ -20,6 +20,7 @@ constexpr int notFound = 127;
 int Spawn(pid_t& process, std::vector<std::string> words, const sigset_t& blockedSignals)
 {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (std::string& word : words) {
         arguments.push_back(word.data());
     }

@@ -44,6 +44,7 @@ private:
     static std::vector<sim::FaultRule> Parsed(const std::vector<std::string>& texts)
     {
         std::vector<sim::FaultRule> rules;
+        rules.reserve(texts.size());
         for (const std::string& text : texts) {
             rules.push_back(sim::ParseFaultRule(text));
         }
@@ -56,6 +57,11 @@ private:
 std::string ErrorOfRule(const std::string& text)
 {
     return ErrorOf([&text] { sim::ParseFaultRule(text); });
+}
+
+std::string ErrorOfNumber(const std::string& number)
+{
+    return "64 fault \"half@" + number + "\": \"" + number + "\" is not a number from 1 on";
 }
 
 } // namespace
@@ -185,8 +191,7 @@ TEST(SimFaultRules, WithAMistakeAreAUsageErrorThatNamesIt)
     EXPECT_EQ(ErrorOfRule("half:a\nb"), "64 fault \"half:a?b\": unknown command \"a?b\"");
     for (const std::string number :
          {"", "0", "-1", "+1", "1.5", "1x", " 1", "two", "1:list", "1@1", "18446744073709551616"}) {
-        EXPECT_EQ(ErrorOfRule("half@" + number),
-                  "64 fault \"half@" + number + "\": \"" + number + "\" is not a number from 1 on");
+        EXPECT_EQ(ErrorOfRule("half@" + number), ErrorOfNumber(number));
     }
     EXPECT_EQ(ErrorOfRule("no-accept:list"),
               "64 fault \"no-accept:list\": no-accept is for every connection");

@@ -19,6 +19,11 @@ TestEngine EngineWith(const std::string& state, const std::string& members)
                                      "test"));
 }
 
+std::string Member(const std::string& name, const std::string& json)
+{
+    return "\"" + name + "\": " + json;
+}
+
 std::string Done(const std::string& sentence)
 {
     return R"({"description":")" + sentence + R"(","resultCode":0})";
@@ -98,10 +103,9 @@ TEST(SimTransition, MayTakeNoTime)
 
 TEST(SimTransition, EndsInTheStateThatIsGiven)
 {
-    const std::string end = R"(: {"seconds": 1, "end": "odd"})";
     for (const std::string command : {"start", "stop", "restart", "reconfigure"}) {
-        TestEngine engine =
-            EngineWith(command == "start" ? "stopped" : "running", "\"" + command + "\"" + end);
+        TestEngine engine = EngineWith(command == "start" ? "stopped" : "running",
+                                       Member(command, R"({"seconds": 1, "end": "odd"})"));
 
         engine.Command(command, "m1");
         engine.Pass(seconds(1));
@@ -143,8 +147,7 @@ TEST(SimTransition, RefusesCommandsThatChangeTheStateUntilItsEnd)
          {Row{"start", "stopped", "starting"}, Row{"stop", "running", "stopping"},
           Row{"restart", "running", "starting"}, Row{"reconfigure", "running", "reconfiguring"}}) {
         SCOPED_TRACE(row.command);
-        TestEngine engine =
-            EngineWith(row.state, "\"" + std::string(row.command) + R"(": {"seconds": 9})");
+        TestEngine engine = EngineWith(row.state, Member(row.command, R"({"seconds": 9})"));
         engine.Command(row.command, "m1");
 
         EXPECT_EQ(engine.Command("start", "m1"), RefusedIn(row.meanwhile, "started"));

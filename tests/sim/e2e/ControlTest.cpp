@@ -54,7 +54,10 @@ Outcome Done(const std::string& description)
     return {0, description + "\n", ""};
 }
 
-const std::string helpHint = " (\"help\" lists the commands)";
+std::string NotUnderstood(const std::string& line)
+{
+    return "not understood: \"" + line + R"(" ("help" lists the commands))";
+}
 
 } // namespace
 
@@ -101,8 +104,8 @@ TEST(SimulatorControl, KeepsTheFaultsIfTheNewOneIsWrong)
 {
     ControlledSimulator simulator({"--fault=garbage"});
 
-    simulator.Say("fault fire\n", "unknown fault \"fire\" (--help lists them)");
-    simulator.Say("fault half:dance\n", "fault \"half:dance\": unknown command \"dance\"");
+    simulator.Say("fault fire\n", R"(unknown fault "fire" (--help lists them))");
+    simulator.Say("fault half:dance\n", R"(fault "half:dance": unknown command "dance")");
 
     EXPECT_EQ(Ask(request), Answer{"This is not JSON"});
 }
@@ -160,7 +163,7 @@ TEST(SimulatorControl, ChangesNothingForALineThatIsNotUnderstood)
     for (const std::string line :
          {"dance", "state pump1", "state pump1 failed now", "debug maybe", "debug", "safe-mode ON",
           "fault", "down", "down -1", "down soon", "down 86401", "help me", "STATE pump1 failed"}) {
-        simulator.Say(line + "\n", "not understood: \"" + line + "\"" + helpHint);
+        simulator.Say(line + "\n", NotUnderstood(line));
     }
 
     EXPECT_EQ(RunTool({"--status=pump1"}), Done("pump1 is running"));
@@ -172,7 +175,7 @@ TEST(SimulatorControl, TakesLinesInPiecesAndSeveralAtOnce)
 
     simulator.Say("\n  debug \t on \r\n\nstate pump1 odd\nsta", "pump1 is odd");
     simulator.Say("te pump2 odd\n", "pump2 is odd");
-    simulator.Say("\033[31m\n", "not understood: \"?[31m\"" + helpHint);
+    simulator.Say("\033[31m\n", NotUnderstood("?[31m"));
 }
 
 TEST(SimulatorControl, GoesOnAfterTheEndOfItsInput)
