@@ -115,8 +115,9 @@ TEST_P(SimulatorCommandSignal, IsPassedOn)
 
 TEST_P(SimulatorCommandSignal, DoesNotEndTheSimulatorBeforeTheCommand)
 {
+    // KILL, as a process that is not yet the sleep would take another signal for the trap's.
     Simulator simulator({"--", "sh", "-c",
-                         "trap 'kill $!; echo trapped; exit 5' INT TERM HUP\n"
+                         "trap 'kill -KILL $!; echo trapped; exit 5' INT TERM HUP\n"
                          "sleep 1000 & echo ready >&2; wait"});
     simulator.AwaitLog("ready");
 
