@@ -34,3 +34,31 @@ unshare_as_root() {
         unshare --map-root-user "$@"
     fi
 }
+
+# debian_archives TYPE [OPTIONS]: the system's sources of Debian packages as lines of a sources.list,
+# TYPE being deb or deb-src.
+debian_archives() {
+    apt-get indextargets 'Created-By: Packages' 'Origin: Debian' --format \
+        "$1 [signed-by=/usr/share/keyrings/debian-archive-keyring.gpg${2:+ $2}] \$(SITE) \$(RELEASE) \$(COMPONENT)" |
+        sort -u
+}
+
+# make_apt FOLDER ARCH: makes an apt configuration in the folder, FOLDER/apt.conf, and fetches the
+# lists of the sources on standard input. Sources, lists and hooks of the system are left alone.
+make_apt() {
+    mkdir -p "$1/parts" "$1/lists/partial" "$1/cache/archives/partial"
+    cat >"$1/parts/debian.list"
+    cat >"$1/apt.conf" <<END
+APT::Architecture "$2";
+APT::Architectures "$2";
+Dir::Etc::SourceList "/dev/null";
+Dir::Etc::SourceParts "$1/parts";
+Dir::State::Lists "$1/lists";
+Dir::Cache "$1/cache";
+APT::Sandbox::User "root";
+#clear APT::Update::Pre-Invoke;
+#clear APT::Update::Post-Invoke;
+#clear APT::Update::Post-Invoke-Success;
+END
+    apt-get -c "$1/apt.conf" update -qq
+}
