@@ -15,6 +15,7 @@ PocoSeries SeriesOf(int minor)
     poco.endOfText = "error: #: unexpected end of data";
     poco.unexpectedByte = "error: #: unexpected byte, '%'";
     poco.invalidUtf8 = "error: #: No legal UTF8 found";
+    poco.outOfMemory = "error: #: Cannot allocate memory";
     poco.tooLarge = "Value too large.";
     poco.tooSmall = "Value too small.";
     poco.emptyArray = "[\n\n]";
@@ -29,6 +30,7 @@ PocoSeries SeriesOf(int minor)
         poco.endOfText = "unexpected end of text";
         poco.unexpectedByte = "unexpected byte '%' in value";
         poco.invalidUtf8 = "invalid UTF-8 text";
+        poco.outOfMemory = "out of memory";
         poco.object = "{\n  \"a\": 1\n}";
         poco.textsEndAtNul = false;
         poco.nestingIsLimited = true;
@@ -88,6 +90,11 @@ std::string PocoSeries::UnexpectedByte(char byte) const
 std::string PocoSeries::InvalidUtf8() const
 {
     return ParserError(invalidUtf8, 1, ' ');
+}
+
+std::string PocoSeries::OutOfMemory() const
+{
+    return ParserError(outOfMemory, 1, ' ');
 }
 
 const PocoSeries& PocoUnderTest()

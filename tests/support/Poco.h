@@ -10,6 +10,7 @@ struct PocoSeries
     std::string endOfText;
     std::string unexpectedByte;
     std::string invalidUtf8;
+    std::string outOfMemory;
 
     // What is wrong with a number that is no int.
     std::string tooLarge;
@@ -29,6 +30,7 @@ struct PocoSeries
     std::string EndOfText(int line = 1) const;
     std::string UnexpectedByte(char byte) const;
     std::string InvalidUtf8() const;
+    std::string OutOfMemory() const;
 };
 
 /// What POCO is like in the tool under test. Its version is that of the same build or, where
