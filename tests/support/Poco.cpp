@@ -83,8 +83,8 @@ std::string PocoSeries::EndOfText(int line) const
 
 std::string PocoSeries::UnexpectedByte(char byte) const
 {
-    // The text ends at a NUL that it names.
-    return ParserError(unexpectedByte, 1, byte).c_str();
+    const std::string error = ParserError(unexpectedByte, 1, byte);
+    return error.substr(0, error.find('\0')); // where POCO's text ends, too
 }
 
 std::string PocoSeries::InvalidUtf8() const
