@@ -6,6 +6,8 @@ check_ipo_supported()
 set(CMAKE_INTERPROCEDURAL_OPTIMIZATION ON)
 target_compile_options(quorlan-build-options INTERFACE -ffunction-sections -fdata-sections
                                                        "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
+# Otherwise GCC shows POCO's headers in messages by their path in the home folder, where it is shorter.
+target_compile_options(quorlan-build-options INTERFACE -fno-canonical-system-headers)
 target_link_options(quorlan-build-options INTERFACE -Wl,--gc-sections -s)
 
 # Debian's C library for armhf has no start-up code for position-independent static programs.

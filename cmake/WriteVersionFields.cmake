@@ -7,7 +7,7 @@ cmake_policy(VERSION 3.20)
 
 set(default_REVISION unknown)
 set(default_BRANCH unknown)
-set(default_BUILD_TYPE none)
+set(default_BUILD_TYPE custom)
 cmake_host_system_information(RESULT default_HOST QUERY HOSTNAME)
 # Asks this repository and no other: not one around an unpacked archive, nor that of a git hook.
 execute_process(
@@ -17,6 +17,11 @@ execute_process(
 if(answer MATCHES "^([0-9a-f]+)\n(.+)$")
   set(default_REVISION "${CMAKE_MATCH_1}")
   set(default_BRANCH "${CMAKE_MATCH_2}")
+endif()
+
+# With CMake's type "None", all flags come from who builds.
+if(BUILD_TYPE STREQUAL "None")
+  set(BUILD_TYPE custom)
 endif()
 
 foreach(field IN ITEMS BUILD_TYPE REVISION BRANCH HOST)
