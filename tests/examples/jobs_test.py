@@ -1,9 +1,10 @@
 """What runs without anybody looking: restart-failed, the cron job and the systemd unit. And that the
-examples are complete."""
+examples are complete, and say which tools they need."""
 
 import os
 import pathlib
 import re
+import shutil
 import unittest
 
 import recipes
@@ -112,6 +113,71 @@ class SystemdUnit(RecipeTest):
 
     def test_fails_without_an_engine(self):
         self.assert_ends(69, *self.start.split())
+
+
+class Tools(RecipeTest):
+    """With Debian's shell, as BusyBox's finds its own tools without PATH."""
+
+    ARGUMENTS = {"change-module": ["restart", "pump"], "check_module": ["pump"],
+                 "module-metrics": ["metrics"], "module-settles": ["pump", "9"],
+                 "module-state": ["pump"], "on-devices": ["--list"], "quorlan-retry": ["--list"],
+                 "restart-failed": ["pump"], "start-module": ["valve"],
+                 "wait-for-module": ["pump", "9"],
+                 "with-debug-mode": ["9", "quorlan", "--stop=pump"]}
+
+    def setUp(self):
+        super().setUp()
+        self.put("ssh", "#!/bin/sh\n")
+        self.tools = self.folder / "tools"
+        self.environment["PATH"] = str(self.tools)
+        self.recipes = [recipe for recipe in RECIPES.iterdir()
+                        if recipe.read_text().startswith("#!") and recipe.name != "recipe-needs"]
+
+    def offer(self, *tools):
+        """Leaves only these, and the recipes."""
+        shutil.rmtree(self.tools, ignore_errors=True)
+        self.tools.mkdir()
+        for recipe in RECIPES.iterdir():
+            (self.tools / recipe.name).symlink_to(self.programs / recipe.name)
+        for tool in tools:
+            path = shutil.which(tool, path=f"{self.programs}:/usr/bin:/bin")
+            (self.tools / tool).symlink_to(path)
+
+    @staticmethod
+    def needed(recipe):
+        """What it asks for, itself or in the recipe that it becomes."""
+        text = recipe.read_text()
+        asked = re.search(r"\brecipe-needs ([a-z ]+[a-z])", text)
+        if asked:
+            return asked.group(1).split()
+        return Tools.needed(RECIPES / re.search(r"^exec ([\w-]+)", text, re.M).group(1))
+
+    def test_each_recipe_works_with_what_it_asks_for(self):
+        for recipe in self.recipes:
+            if recipe.name == "on-devices":
+                continue  # reads names of devices; fleet_test.py runs it
+            with self.subTest(recipe.name), self.engine(pump="running", valve="stopped"):
+                self.offer(*self.needed(recipe))
+                output = self.assert_ends(0, str(self.programs / recipe.name),
+                                          *self.ARGUMENTS.get(recipe.name, []))
+                self.assertNotIn("not found", output)
+
+    def test_each_recipe_says_at_once_what_is_missing(self):
+        self.offer()
+        for recipe in self.recipes:
+            with self.subTest(recipe.name):
+                missing = f"recipe-needs: not found: {' '.join(self.needed(recipe))}\n"
+                expected = (3, f"UNKNOWN - {missing}") if recipe.name == "check_module" \
+                    else (127, missing)
+                self.assertEqual(expected, self.run_recipe(str(self.programs / recipe.name),
+                                                           *self.ARGUMENTS.get(recipe.name, [])))
+
+    def test_the_guide_lists_what_a_device_needs(self):
+        guide = (RECIPES.parent / "scripting.md").read_text()
+        listed = re.search(r"BusyBox needs these\sapplets: (.*?)\.$", guide, re.M | re.S).group(1)
+        needed = {tool for recipe in self.recipes if recipe.name != "on-devices"
+                  for tool in self.needed(recipe)}
+        self.assertEqual(sorted(needed - {"quorlan"}), re.findall("`([a-z]+)`", listed))
 
 
 class Examples(unittest.TestCase):
