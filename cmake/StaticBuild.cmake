@@ -4,17 +4,31 @@
 include(CheckIPOSupported)
 check_ipo_supported()
 set(CMAKE_INTERPROCEDURAL_OPTIMIZATION ON)
-target_compile_options(quorlan-build-options INTERFACE -ffunction-sections -fdata-sections
-                                                       "-ffile-prefix-map=${PROJECT_SOURCE_DIR}/=")
-# Otherwise GCC shows POCO's headers in messages by their path in the home folder, where it is shorter.
-target_compile_options(quorlan-build-options INTERFACE -fno-canonical-system-headers)
-target_link_options(quorlan-build-options INTERFACE -Wl,--gc-sections -s)
+target_compile_options(quorlan-build-options INTERFACE -ffunction-sections -fdata-sections)
+target_link_options(quorlan-build-options INTERFACE -Wl,--gc-sections)
+
+# No file name depends on where the tree is, nor on ccache, which can make them relative to the build
+# folder. In debug information they are absolute: the linker would insert the path to a relative one.
+# Without the first option, GCC names POCO's headers by their path in the home folder where that is
+# shorter.
+set(source_name /usr/src/quorlan)
+file(RELATIVE_PATH up "${PROJECT_BINARY_DIR}" "${PROJECT_SOURCE_DIR}")
+target_compile_options(
+  quorlan-build-options
+  INTERFACE -fno-canonical-system-headers
+            "-fmacro-prefix-map=${up}="
+            "-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/="
+            -fdebug-prefix-map=app/=${source_name}/build/app/
+            -fdebug-prefix-map=sim/=${source_name}/build/sim/
+            "-fdebug-prefix-map=${up}=${source_name}/"
+            "-fdebug-prefix-map=${PROJECT_SOURCE_DIR}=${source_name}")
 
 # Debian's C library for armhf has no start-up code for position-independent static programs.
 include(CheckLinkerFlag)
 check_linker_flag(CXX -static-pie QUORLAN_HAS_STATIC_PIE)
 if(QUORLAN_HAS_STATIC_PIE)
   set(CMAKE_CXX_LINK_OPTIONS_PIE -static-pie) # -pie would undo it
+  set(static_link_option -static-pie)
   check_linker_flag(CXX -Wl,-z,pack-relative-relocs QUORLAN_HAS_RELR)
   if(QUORLAN_HAS_RELR)
     target_link_options(quorlan-build-options INTERFACE -Wl,-z,pack-relative-relocs)
@@ -22,7 +36,31 @@ if(QUORLAN_HAS_STATIC_PIE)
 else()
   set(CMAKE_POSITION_INDEPENDENT_CODE OFF)
   target_link_options(quorlan-build-options INTERFACE -static)
+  set(static_link_option -no-pie)
 endif()
+
+# finish_static_program(<target>): adds NAME-relink, the folder from which the program is linked the
+# second time, now that all code is optimized. The program is stripped. Its symbols are in NAME.debug,
+# which debuggers find by the build ID. -g is for the lines; the code is compiled without.
+function(finish_static_program target)
+  set(map "${PROJECT_BINARY_DIR}/${target}.map")
+  set(script "${PROJECT_SOURCE_DIR}/packaging/relink-kit")
+  set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${script}" "${script}.md")
+  target_link_options(
+    ${target} PRIVATE -g "-fdebug-prefix-map=${PROJECT_BINARY_DIR}=${source_name}/build"
+    -save-temps=obj "-Wl,-Map=${map}.lto")
+  separate_arguments(linker_flags UNIX_COMMAND "${CMAKE_EXE_LINKER_FLAGS}")
+  set(kit "${PROJECT_BINARY_DIR}/${target}-relink")
+  add_custom_command(
+    TARGET ${target}
+    POST_BUILD
+    COMMAND
+      "${script}" $<TARGET_FILE:${target}> "${map}.lto" "${kit}"
+      "${CMAKE_CXX_COMPILER}" ${static_link_option} ${linker_flags}
+      $<TARGET_PROPERTY:quorlan-build-options,INTERFACE_LINK_OPTIONS>
+    COMMAND "${kit}/relink" $<TARGET_FILE:${target}> "-Wl,-Map=${map}"
+    COMMAND_EXPAND_LISTS VERBATIM)
+endfunction()
 
 # Stops a build that would use the distribution's shared libraries.
 function(require_static_poco)
