@@ -1,6 +1,7 @@
-# Compiler and linker options for this project's own code, as two INTERFACE targets:
+# Compiler and linker options for this project's own code. Those that nobody needs to overrule are in
+# two INTERFACE targets:
 #
-#   quorlan-build-options    warnings and hardening; every target links it
+#   quorlan-build-options    warnings and _FORTIFY_SOURCE; every target links it
 #   quorlan-instrumentation  sanitizers, coverage and fuzzing; comes with the libraries of the tool and
 #                            of the simulator. Programs that only drive the built tool do without it,
 #                            and start in half the time.
@@ -52,14 +53,17 @@ if(QUORLAN_COVERAGE)
   target_link_options(quorlan-instrumentation INTERFACE --coverage)
 endif()
 
-# Hardening. _FORTIFY_SOURCE needs an optimized build, and AddressSanitizer does its checks better.
+# Hardening, for all code. It comes before the flags of whoever builds, so that theirs win.
 include(CheckPIESupported)
 check_pie_supported(LANGUAGES CXX)
-set(CMAKE_POSITION_INDEPENDENT_CODE ON)
-target_compile_options(quorlan-build-options INTERFACE -fstack-protector-strong
-                                                       -fstack-clash-protection)
-target_compile_definitions(
-  quorlan-build-options
-  INTERFACE _GLIBCXX_ASSERTIONS
-            $<$<AND:$<NOT:$<CONFIG:Debug>>,$<NOT:$<BOOL:${QUORLAN_SANITIZE}>>>:_FORTIFY_SOURCE=2>)
-target_link_options(quorlan-build-options INTERFACE -Wl,-z,relro,-z,now -Wl,-z,noexecstack)
+if(NOT DEFINED CMAKE_POSITION_INDEPENDENT_CODE)
+  set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+endif()
+string(PREPEND CMAKE_CXX_FLAGS
+       "-D_GLIBCXX_ASSERTIONS -fstack-protector-strong -fstack-clash-protection ")
+string(PREPEND CMAKE_EXE_LINKER_FLAGS "-Wl,-z,relro,-z,now -Wl,-z,noexecstack ")
+# AddressSanitizer does the same checks better.
+if(NOT QUORLAN_SANITIZE AND NOT CMAKE_CXX_FLAGS MATCHES "_FORTIFY_SOURCE")
+  target_compile_options(quorlan-build-options
+                         INTERFACE "SHELL:-include '${CMAKE_CURRENT_LIST_DIR}/Fortify.h'")
+endif()

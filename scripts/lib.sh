@@ -26,6 +26,15 @@ make_work_folder() {
     trap 'exit 130' HUP INT TERM PIPE
 }
 
+# Runs the command as root.
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        "$@"
+    else
+        sudo "$@"
+    fi
+}
+
 # Runs unshare as root: another user becomes root in a new user namespace.
 unshare_as_root() {
     if [ "$(id -u)" -eq 0 ]; then

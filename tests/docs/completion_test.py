@@ -306,15 +306,6 @@ class Zsh(Completion, unittest.TestCase):
         self.shell.start("zstyle ':completion:*:modules' command echo")
         self.assert_left_alone("quorlan --start=di")
 
-    def test_is_installed_where_the_packager_wants_it(self):
-        options = ["-G", "Ninja", "-DBUILD_TESTING=OFF", "-DCMAKE_INSTALL_DATADIR=data",
-                   "-DQUORLAN_ZSH_COMPLETIONS_DIR=zsh"]
-        done = support.run(["cmake", *options, "-S", support.SOURCE, "-B", self.folder / "build"])
-        self.assertEqual(0, done.returncode, done.stdout + done.stderr)
-        script = (self.folder / "build/completions/cmake_install.cmake").read_text()
-        for folder in ["data/bash-completion/completions", "zsh", "data/fish/vendor_completions.d"]:
-            self.assertIn(f'PREFIX}}/{folder}"', script)
-
 
 class Fish(Completion, unittest.TestCase):
     @staticmethod
