@@ -5,7 +5,9 @@ include(CheckIPOSupported)
 check_ipo_supported()
 set(CMAKE_INTERPROCEDURAL_OPTIMIZATION ON)
 target_compile_options(quorlan-build-options INTERFACE -ffunction-sections -fdata-sections)
-target_link_options(quorlan-build-options INTERFACE -Wl,--gc-sections)
+# The sections again: link-time optimization compiles while it links.
+target_link_options(quorlan-build-options INTERFACE -ffunction-sections -fdata-sections
+                                                    -Wl,--gc-sections)
 
 # No file name depends on where the tree is, nor on ccache, which can make them relative to the build
 # folder. In debug information they are absolute: the linker would insert the path to a relative one.
@@ -39,9 +41,38 @@ else()
   set(static_link_option -no-pie)
 endif()
 
-# finish_static_program(<target>): adds NAME-relink, the folder from which the program is linked the
-# second time, now that all code is optimized. The program is stripped. Its symbols are in NAME.debug,
-# which debuggers find by the build ID. -g is for the lines; the code is compiled without.
+# Writes a linker script that puts the functions of the list, and their constants, at the start of the
+# file. scripts/function-order makes the list: what a run needs is next to each other.
+function(write_function_order script list)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${list}")
+  file(STRINGS "${list}" names)
+  set(code "")
+  set(constants "")
+  foreach(name IN LISTS names)
+    if(name MATCHES "[.]o$")
+      string(APPEND code "*${name}(.text)\n")
+      string(APPEND constants "*${name}(.rodata .rodata.*)\n")
+    else()
+      string(APPEND code "*(.text.${name} .text.startup.${name} .text.exit.${name} "
+                         ".text.unlikely.${name})\n")
+      string(APPEND constants "*(.rodata.${name} .rodata.${name}.*)\n")
+    endif()
+  endforeach()
+  file(CONFIGURE OUTPUT "${script}" CONTENT "SECTIONS
+{
+.rodata.first : {
+${constants}}
+.text.first : {
+${code}}
+}
+INSERT BEFORE .text;
+" @ONLY)
+endfunction()
+
+# finish_static_program(<target> [<list of functions>]): adds NAME-relink, the folder from which the
+# program is linked the second time, now that all code is optimized, and with the functions of the list
+# first. The program is stripped. Its symbols are in NAME.debug, which debuggers find by the build ID.
+# -g is for the lines; the code is compiled without.
 function(finish_static_program target)
   set(map "${PROJECT_BINARY_DIR}/${target}.map")
   set(script "${PROJECT_SOURCE_DIR}/packaging/relink-kit")
@@ -51,13 +82,23 @@ function(finish_static_program target)
     -save-temps=obj "-Wl,-Map=${map}.lto")
   separate_arguments(linker_flags UNIX_COMMAND "${CMAKE_EXE_LINKER_FLAGS}")
   set(kit "${PROJECT_BINARY_DIR}/${target}-relink")
+  set(order_option "")
+  set(copy_order "")
+  if(ARGC GREATER 1)
+    set(order "${PROJECT_BINARY_DIR}/${target}.ld")
+    write_function_order("${order}" "${ARGV1}")
+    set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS "${order}")
+    set(order_option -Wl,-T,functions.ld)
+    set(copy_order COMMAND "${CMAKE_COMMAND}" -E copy "${order}" "${kit}/functions.ld")
+  endif()
   add_custom_command(
     TARGET ${target}
     POST_BUILD
     COMMAND
       "${script}" $<TARGET_FILE:${target}> "${map}.lto" "${kit}"
-      "${CMAKE_CXX_COMPILER}" ${static_link_option} ${linker_flags}
+      "${CMAKE_CXX_COMPILER}" ${static_link_option} ${linker_flags} ${order_option}
       $<TARGET_PROPERTY:quorlan-build-options,INTERFACE_LINK_OPTIONS>
+    ${copy_order}
     COMMAND "${kit}/relink" $<TARGET_FILE:${target}> "-Wl,-Map=${map}"
     COMMAND_EXPAND_LISTS VERBATIM)
 endfunction()

@@ -12,7 +12,7 @@
 
 namespace {
 
-constexpr int fieldWidth = 15;
+constexpr std::size_t fieldWidth = 15;
 
 Field Column(std::string_view text)
 {

@@ -10,10 +10,10 @@
 
 namespace {
 
-constexpr int nameWidth = 25;
-constexpr int stateWidth = 15;
-constexpr int heartbeatWidth = 15;
-constexpr int versionWidth = 15;
+constexpr std::size_t nameWidth = 25;
+constexpr std::size_t stateWidth = 15;
+constexpr std::size_t heartbeatWidth = 15;
+constexpr std::size_t versionWidth = 15;
 
 Manipulator StateColor(const std::string& state)
 {
@@ -26,7 +26,7 @@ Manipulator StateColor(const std::string& state)
     return Yellow;
 }
 
-void PrintHeading(std::string_view text, int width)
+void PrintHeading(std::string_view text, std::size_t width)
 {
     std::cout << Bold << Field{text, width} << Reset;
 }
@@ -94,9 +94,9 @@ void Quorlan::PrintModuleTable(const Poco::JSON::Array::Ptr& entries,
     PrintHeading("VERSION", versionWidth);
     std::cout << std::endl;
 
-    const int tableWidth =
+    const std::size_t tableWidth =
         nameWidth + stateWidth + (showHeartbeat ? heartbeatWidth : 0) + versionWidth;
-    std::cout << std::string(static_cast<std::size_t>(tableWidth), '-') << std::endl;
+    std::cout << std::string(tableWidth, '-') << std::endl;
 
     const std::size_t count = entries->size();
     if (count == 0) {

@@ -1,9 +1,10 @@
 // Operators new and delete of a static quorlan.
 //
 // A run is over in a millisecond and allocates some two thousand small blocks, most of them for the
-// reply. On a 32-bit Arm kernel the arena takes 11 % off the time of a whole run. Blocks are taken
-// from one array in order, and only the last one can be reused. The array is zero-initialized, so
-// memory that is never used is never touched. When it is full, malloc takes over.
+// reply. New blocks are taken from one array in order. A small block that is freed is kept for the
+// next one of its size: each page of memory that a run touches costs about as much as a hundred
+// allocations. The array is zero-initialized, so memory that is never used is never touched. When
+// it is full, malloc takes over.
 //
 // Not thread-safe: the tool has one thread.
 
@@ -15,14 +16,22 @@ namespace {
 
 constexpr std::size_t arenaSize = 262144;
 constexpr std::size_t alignment = alignof(std::max_align_t);
+constexpr std::size_t keptSizes = 16; // multiples of the alignment
+
+struct FreedBlock
+{
+    FreedBlock* next;
+};
 
 alignas(alignment) char arena[arenaSize];
 std::size_t used = 0;
+FreedBlock* freed[keptSizes];
 
-// How much of the arena a block takes. A block of no bytes needs an address of its own, too.
-std::size_t Rounded(std::size_t size)
+// How much of the arena a block takes, in multiples of the alignment, less one. A block of no bytes
+// needs an address of its own, too.
+std::size_t SizeClass(std::size_t size)
 {
-    return size == 0 ? alignment : (size + alignment - 1) / alignment * alignment;
+    return size == 0 ? 0 : (size - 1) / alignment;
 }
 
 // A block's offset in the arena; at least arenaSize for any other pointer, also for a null pointer.
@@ -35,9 +44,15 @@ std::size_t Offset(const void* block)
 
 void* operator new(std::size_t size)
 {
-    if (size <= arenaSize && Rounded(size) <= arenaSize - used) {
+    const std::size_t sizeClass = SizeClass(size);
+    if (sizeClass < keptSizes && freed[sizeClass] != nullptr) {
+        FreedBlock* const block = freed[sizeClass];
+        freed[sizeClass] = block->next;
+        return block;
+    }
+    if (sizeClass < (arenaSize - used) / alignment) {
         void* const block = arena + used;
-        used += Rounded(size);
+        used += (sizeClass + 1) * alignment;
         return block;
     }
     void* const block = std::malloc(size);
@@ -57,9 +72,12 @@ void operator delete(void* block) noexcept
 void operator delete(void* block, std::size_t size) noexcept
 {
     const std::size_t offset = Offset(block);
+    const std::size_t sizeClass = SizeClass(size);
     if (offset >= arenaSize) {
         std::free(block);
-    } else if (offset + Rounded(size) == used) {
+    } else if (sizeClass < keptSizes) {
+        freed[sizeClass] = new (block) FreedBlock{freed[sizeClass]};
+    } else if (offset + (sizeClass + 1) * alignment == used) {
         used = offset;
     }
 }

@@ -72,14 +72,26 @@ TEST(Arena, AlignsBlocksForEveryType)
     Release(blocks);
 }
 
-TEST(Arena, TakesBackTheBlockThatWasCutLast)
+TEST(Arena, GivesASmallBlockToTheNextOfItsSize)
 {
     void* const first = operator new(40);
+    void* const last = operator new(40);
     operator delete(first, 40);
     void* const second = operator new(48);
 
     EXPECT_EQ(second, first);
     operator delete(second, 48);
+    operator delete(last, 40);
+}
+
+TEST(Arena, TakesBackALargeBlockThatWasCutLast)
+{
+    void* const first = operator new(1000);
+    operator delete(first, 1000);
+    void* const second = operator new(2000);
+
+    EXPECT_EQ(second, first);
+    operator delete(second, 2000);
 }
 
 TEST(Arena, LeavesTheOthersAloneWhenAnEarlierBlockIsReleased)
