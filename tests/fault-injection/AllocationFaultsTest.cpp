@@ -72,10 +72,10 @@ bool IsAllowed(const Attempt& run, const Attempt& usual)
                Contains(outcome.err, "std::bad_alloc");
     case 76:
         return (begun || (outcome.out == debugModeIsOff && run.requests.size() == 1)) &&
-               outcome.err == badReply + "JSON Exception: out of memory\n";
+               outcome.err == badReply + PocoUnderTest().OutOfMemory() + "\n";
     case 70:
     case 78:
-        return Contains(outcome.err, "failed to get memory")
+        return Contains(outcome.err, "Error in regular expression: ")
                    ? begun
                    : Contains(outcome.err, "bad_alloc") && (isDone || usual.requests.empty());
     default:

@@ -21,13 +21,16 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr const char* good = nullptr;
-constexpr const char* endOfText = "JSON Exception: unexpected end of text";
-constexpr const char* tooDeep = "JSON Exception: Maximum depth exceeded";
-constexpr const char* noObject = "JSON Exception: Attempt to set value on an empty stack";
+const PocoSeries& poco = PocoUnderTest();
+
+const std::string good;
+const std::string endOfText = poco.EndOfText();
+const std::string excess = "JSON Exception: Excess characters found after JSON end.";
+const std::string tooDeep = poco.nestingIsLimited ? "JSON Exception: Maximum depth exceeded" : good;
+const std::string noObject = "JSON Exception: Attempt to set value on an empty stack";
 
 // The type names are the compiler's.
-constexpr const char* notAnObject =
+const std::string notAnObject =
     "Bad cast exception: Can not convert "
     "N4Poco9SharedPtrINS_4JSON5ArrayENS_16ReferenceCounterENS_13ReleasePolicyIS2_EEEE to "
     "N4Poco9SharedPtrINS_4JSON6ObjectENS_16ReferenceCounterENS_13ReleasePolicyIS2_EEEE.";
@@ -40,7 +43,7 @@ struct Fault
 {
     const char* name;
     std::function<Script(const std::string& reply)> engine;
-    const char* reason;
+    std::string reason;
     Manner manner = Manner::Ordinary;
 };
 
@@ -117,31 +120,19 @@ const Fault faultTable[] = {
     {"RepliesBeforeItReads", [](auto& r) { return Script().Send(r); }, good},
 
     // The reply is no JSON.
-    {"OnlySpaces",           [](auto&)   { return Answer("   \n"); }, endOfText},
+    {"OnlySpaces",           [](auto&)   { return Answer("   \n"); }, poco.EndOfText(2)},
     {"OneBrace",             [](auto&)   { return Answer("{"); }, endOfText},
-    {"Garbage",              [](auto&)   { return Answer("\x01\x7f\xfe garbage"); },
-                             "JSON Exception: unexpected byte '\x01' in value"},
-    {"Text",                 [](auto&)   { return Answer("everything is fine\n"); },
-                             "JSON Exception: unexpected byte 'e' in value"},
-    // The text of the error ends at the NUL that it names.
-    {"NulByte",              [](auto& r) { return Answer(std::string(1, '\0') + r); },
-                             "JSON Exception: unexpected byte '"},
-    {"NulAfter",             [](auto& r) { return Answer(r + std::string(1, '\0')); },
-                             "JSON Exception: Excess characters found after JSON end."},
-    {"InvalidUtf8",          [](auto& r) { return Answer(WithMember(r, "\"x\":\"\xc3\x28\"")); },
-                             "JSON Exception: invalid UTF-8 text"},
-    {"ByteOrderMark",        [](auto& r) { return Answer("\xef\xbb\xbf" + r); },
-                             "JSON Exception: unexpected byte '\xef' in value"},
-    {"TextAfter",            [](auto& r) { return Answer(r + "x"); },
-                             "JSON Exception: Excess characters found after JSON end."},
-    {"ObjectAfter",          [](auto& r) { return Answer(r + "{}"); },
-                             "JSON Exception: Excess characters found after JSON end."},
-    {"CommaTooMany",         [](auto& r) { return Answer(r.substr(0, r.size() - 1) + ",}"); },
-                             "JSON Exception: unexpected byte '}' in value"},
-    {"SingleQuotes",         [](auto& r) { return Answer(WithMember(r, "'x':1")); },
-                             "JSON Exception: unexpected byte ''' in value"},
-    {"Comment",              [](auto& r) { return Answer("/* */" + r); },
-                             "JSON Exception: unexpected byte '/' in value"},
+    {"Garbage",              [](auto&)   { return Answer("\x01\x7f\xfe garbage"); }, poco.UnexpectedByte('\x01')},
+    {"Text",                 [](auto&)   { return Answer("everything is fine\n"); }, poco.UnexpectedByte('e')},
+    {"NulByte",              [](auto& r) { return Answer(std::string(1, '\0') + r); }, poco.UnexpectedByte('\0')},
+    {"NulAfter",             [](auto& r) { return Answer(r + std::string(1, '\0')); }, excess},
+    {"InvalidUtf8",          [](auto& r) { return Answer(WithMember(r, "\"x\":\"\xc3\x28\"")); }, poco.InvalidUtf8()},
+    {"ByteOrderMark",        [](auto& r) { return Answer("\xef\xbb\xbf" + r); }, poco.UnexpectedByte('\xef')},
+    {"TextAfter",            [](auto& r) { return Answer(r + "x"); }, excess},
+    {"ObjectAfter",          [](auto& r) { return Answer(r + "{}"); }, excess},
+    {"CommaTooMany",         [](auto& r) { return Answer(r.substr(0, r.size() - 1) + ",}"); }, poco.UnexpectedByte('}')},
+    {"SingleQuotes",         [](auto& r) { return Answer(WithMember(r, "'x':1")); }, poco.UnexpectedByte('\'')},
+    {"Comment",              [](auto& r) { return Answer("/* */" + r); }, poco.UnexpectedByte('/')},
     {"NumberTooLong",        [](auto& r) { return Answer(WithMember(r, "\"x\":99999999999999999999999")); },
                              "Syntax error: Not a valid unsigned integer: 99999999999999999999999"},
 

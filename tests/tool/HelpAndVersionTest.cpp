@@ -10,8 +10,9 @@
 
 namespace {
 
-const std::string helpAfterUsage =
-    R"(Application to control Vantrel / manage module applications
+std::string HelpAfterUsage()
+{
+    const std::string text = R"(Application to control Vantrel / manage module applications
 
 -h, --help                          Display help information
 -v, --version                       Display version information of this 
@@ -30,15 +31,18 @@ const std::string helpAfterUsage =
 -i<module>, --pid=<module>          Return the PID of a module
 -m<module>, --monitor=<module>      Stop heartbeat monitoring of a module
 )";
+    return std::regex_replace(text, std::regex("\n(-.)<"),
+                              "\n$1" + PocoUnderTest().beforeArgument + "<");
+}
 
 } // namespace
 
 TEST(HelpScreen, ListsEveryOptionInTheTablesOrderUnderTheNameOfTheTool)
 {
     EXPECT_EQ(RunToolAs("quorlan", {"--help"}),
-              (Outcome{0, "usage: quorlan OPTIONS\n" + helpAfterUsage, ""}));
+              (Outcome{0, "usage: quorlan OPTIONS\n" + HelpAfterUsage(), ""}));
     EXPECT_EQ(RunToolAs("engine-control", {"-h"}),
-              (Outcome{0, "usage: engine-control OPTIONS\n" + helpAfterUsage, ""}));
+              (Outcome{0, "usage: engine-control OPTIONS\n" + HelpAfterUsage(), ""}));
 }
 
 TEST(HelpScreen, KeepsLaterOptionsFromBeingHandled)

@@ -8,9 +8,12 @@
 #include <gtest/gtest.h>
 
 #include <iterator>
+#include <regex>
 #include <string>
 
 namespace {
+
+const PocoSeries& poco = PocoUnderTest();
 
 /// What a value is as a result code: an exit status, or refused for a reason.
 struct Code
@@ -19,8 +22,8 @@ struct Code
     std::string reason;
 };
 
-const Code tooLarge{76, "Out of range: Value too large."};
-const Code tooSmall{76, "Out of range: Value too small."};
+const Code tooLarge{76, "Out of range: " + poco.tooLarge};
+const Code tooSmall{76, "Out of range: " + poco.tooSmall};
 const Code badCast{76, "Bad cast exception"};
 
 Code Taken(int status)
@@ -32,6 +35,8 @@ Code NoInteger(const std::string& text)
 {
     return {76, "Syntax error: Not a valid integer" + (text.empty() ? "" : ": " + text)};
 }
+
+const std::string textWithNul("a\0b", poco.textsEndAtNul ? 1 : 3);
 
 constexpr bool yes = true;
 constexpr bool no = false;
@@ -66,7 +71,7 @@ const Value valueTable[] = {
     {"TextWithEscapes",   R"("a\tb\u00e9\"")",    "a\tb\xc3\xa9\"",            yes, NoInteger("a\tb\xc3\xa9\"")},
     {"TextSurrogatePair", R"("\ud83d\ude00")",    "\xf0\x9f\x98\x80",          yes, NoInteger("\xf0\x9f\x98\x80")},
     {"TextInUtf8",        "\"\xc3\xa9\xe2\x82\xac\"", "\xc3\xa9\xe2\x82\xac",   yes, NoInteger("\xc3\xa9\xe2\x82\xac")},
-    {"TextWithNul",       R"("a\u0000b")",        std::string("a\0b", 3),      yes, NoInteger(std::string("a\0b", 3))},
+    {"TextWithNul",       R"("a\u0000b")",        textWithNul,                 yes, NoInteger(textWithNul)},
     {"TextWithEscape",    R"("\u001b[31mred")",   "\033[31mred",               yes, NoInteger("\033[31mred")},
 
     {"Zero",              "0",                    "0",                         no,  Taken(0)},
@@ -80,7 +85,6 @@ const Value valueTable[] = {
     {"Largest",           "9223372036854775807",  "9223372036854775807",       yes, tooLarge},
     {"PastLargest",       "9223372036854775808",  "9223372036854775808",       yes, tooLarge},
     {"LargestUnsigned",   "18446744073709551615", "18446744073709551615",      yes, tooLarge},
-    {"PastUnsigned",      "18446744073709551616", "0",                         no,  Taken(0)},
     {"Smallest",          "-9223372036854775808", "-9223372036854775808",      yes, tooSmall},
 
     {"Half",              "0.5",                  "0.5",                       yes, Taken(0)},
@@ -91,10 +95,10 @@ const Value valueTable[] = {
     {"TinyExponent",      "1e-400",               "0",                         no,  Taken(0)},
     {"PastCodeFraction",  "2147483648.5",         "2147483648.5",              yes, tooLarge},
 
-    {"EmptyArray",        "[]",                   "[\n\n]",                    no,  badCast},
-    {"Array",             "[1]",                  "[\n  1\n]",                 yes, badCast},
-    {"EmptyObject",       "{}",                   "{\n}",                      no,  badCast},
-    {"Object",            R"({"a":1})",           "{\n  \"a\": 1\n}",          yes, badCast},
+    {"EmptyArray",        "[]",                   poco.emptyArray,             no,  badCast},
+    {"Array",             "[1]",                  poco.array,                  yes, badCast},
+    {"EmptyObject",       "{}",                   poco.emptyObject,            no,  badCast},
+    {"Object",            R"({"a":1})",           poco.object,                 yes, badCast},
 };
 // clang-format on
 
@@ -192,6 +196,26 @@ const Member resultCodeTable[] = {
 };
 // clang-format on
 
+/// A status of the engine with the value as a flag, a text and the result code, and its report.
+std::string StatusWith(const std::string& json)
+{
+    return R"({"debugModeEnabled":false,"version":"v","safeModeEnabled":)" + json + R"(,"state":)" +
+           json + R"(,"resultCode":)" + json + "}";
+}
+
+std::string ReportOf(bool flag, const std::string& text)
+{
+    return safeMode + (flag ? "enabled        \n" : "disabled       \n") +
+           "Debug mode:    disabled       \nState:         " + Padded(text) + "\n" + fromVersion;
+}
+
+/// An outcome without what POCO 1.14 adds to a range error: types, values and a line of its source.
+Outcome WithoutDetails(Outcome outcome)
+{
+    outcome.err = std::regex_replace(outcome.err, std::regex(R"( \(\(.*\) @ \S+)"), "");
+    return outcome;
+}
+
 /// Runs the command with the reply that has the value, if there is one, as the member.
 Outcome RunWith(const Member& member, const char* value)
 {
@@ -221,20 +245,26 @@ const auto nameOfRow = [](const auto& row) {
 TEST_P(ConvertedValue, IsShownAsFlagAndTextAndTakenAsResultCode)
 {
     const auto& [name, json, text, flag, code] = *GetParam();
-    const std::string reply =
-        std::string(R"({"debugModeEnabled":false,"version":"v","safeModeEnabled":)") + json +
-        R"(,"state":)" + json + R"(,"resultCode":)" + json + "}";
-    ScriptedEngine engine{reply.c_str()};
+    ScriptedEngine engine{StatusWith(json).c_str()};
 
-    const std::string report = safeMode + (flag ? "enabled        \n" : "disabled       \n") +
-                               "Debug mode:    disabled       \nState:         " + Padded(text) +
-                               "\n" + fromVersion;
     const std::string err = code.reason.empty() ? "" : badReply + code.reason + "\n";
-    EXPECT_EQ(RunTool({"--engine-status"}), (Outcome{code.status, report, err}));
+    EXPECT_EQ(WithoutDetails(RunTool({"--engine-status"})),
+              (Outcome{code.status, ReportOf(flag, text), err}));
 }
 
 INSTANTIATE_TEST_SUITE_P(Values, ConvertedValue,
                          testing::Range(std::begin(valueTable), std::end(valueTable)), nameOfRow);
+
+TEST(TwoToThe64, IsZeroOrMakesTheReplyUnreadable)
+{
+    const std::string number = "18446744073709551616";
+    ScriptedEngine engine{StatusWith(number).c_str()};
+
+    const std::string err =
+        badReply + "Syntax error: Not a valid unsigned integer: " + number + "\n";
+    EXPECT_EQ(RunTool({"--engine-status"}),
+              (poco.twoToThe64IsZero ? Outcome{0, ReportOf(no, "0"), ""} : Outcome{76, "", err}));
+}
 
 TEST_P(ReplyMember, EndsTheReportWhereItIsMissing)
 {

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "tests/support/Poco.h"
+
 #include <string>
 
-// The texts that several commands share. POCO words what follows "; " and "due to "; these are the
-// words of Debian's 1.11.
+// The texts that several commands share. POCO words what follows "; " and "due to "; where it
+// differs between versions, tests/support/Poco.cpp has the words.
 
 inline const std::string connectionRefused =
     "Failed to connect to Vantrel at 127.0.0.1:7777; Connection refused\n";
@@ -12,7 +14,7 @@ inline const std::string debugModeIsOff =
     "Debug mode is disabled, set debugmode first with -d option\n";
 
 inline const std::string badReply = "Failed to parse reply due to ";
-inline const std::string emptyReply = badReply + "JSON Exception: unexpected end of text\n";
+inline const std::string emptyReply = badReply + PocoUnderTest().EndOfText() + "\n";
 inline const std::string missingValue = badReply + "Invalid access: Can not convert empty value.\n";
 inline const std::string nullPointer = badReply + "Null pointer\n";
 

@@ -1,0 +1,20 @@
+# Sets POCO_VERSION, such as 1.11.0, and stops the build with a POCO that is too old. The version comes
+# from POCO's header, as some CMake packages of POCO have another: Debian's of 1.10 says 1.0.0.
+
+get_target_property(poco_includes Poco::Foundation INTERFACE_INCLUDE_DIRECTORIES)
+set(POCO_VERSION "")
+set(digits "[0-9A-Fa-f][0-9A-Fa-f]")
+foreach(folder IN LISTS poco_includes)
+  if(EXISTS "${folder}/Poco/Version.h")
+    file(STRINGS "${folder}/Poco/Version.h" definition REGEX "^#define POCO_VERSION ")
+    if(definition MATCHES "0x(${digits})(${digits})(${digits})")
+      math(EXPR major "0x${CMAKE_MATCH_1}")
+      math(EXPR minor "0x${CMAKE_MATCH_2}")
+      math(EXPR patch "0x${CMAKE_MATCH_3}")
+      set(POCO_VERSION "${major}.${minor}.${patch}")
+    endif()
+  endif()
+endforeach()
+if(POCO_VERSION VERSION_LESS 1.9)
+  message(FATAL_ERROR "POCO 1.9 or later is needed, but this is version \"${POCO_VERSION}\"")
+endif()
