@@ -9,12 +9,13 @@
 #include <Poco/Util/Application.h>
 
 #include <algorithm>
+#include <cstddef>
 
 namespace sim {
 
 namespace {
 
-constexpr int hugeListLength = 100000; // about 7 megabytes
+constexpr std::size_t hugeListLength = 100000; // about 7 megabytes
 
 Poco::JSON::Object AskEngine(Engine& engine, const Poco::JSON::Object& request)
 {
@@ -90,11 +91,16 @@ std::string WithHugeList(const Poco::JSON::Object& reply)
     const bool watched = text[first] == ']' || text.compare(first, 13, "{\"monitored\":") == 0;
     const std::string entry = std::string(R"({"name":"huge","state":"running","version":"1.0.0")") +
                               (watched ? R"(,"monitored":true})" : "}");
+    const std::string next = "," + entry;
     std::string entries = entry;
-    for (int i = 1; i < hugeListLength; ++i) {
-        entries += "," + entry;
+    entries.reserve(hugeListLength * next.size());
+    for (std::size_t i = 1; i < hugeListLength; ++i) {
+        entries += next;
     }
-    return text.insert(first, text[first] == ']' ? entries : entries + ",");
+    if (text[first] != ']') {
+        entries += ',';
+    }
+    return text.insert(first, entries);
 }
 
 std::string FirstHalf(const Poco::JSON::Object& reply)

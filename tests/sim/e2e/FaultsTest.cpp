@@ -131,11 +131,12 @@ TEST(SimulatorFault, HugeReachesTheToolWhole)
         "huge                     running        yes            1.0.0          \n";
     const Simulator simulator({"--fault=huge"});
 
-    const std::string list = RunTool({"--list"}).out;
+    const Outcome run = RunTool({"--list"});
 
+    const std::string& list = run.out;
     const std::size_t first = std::min(list.find("huge "), list.size());
     EXPECT_TRUE(list.compare(first, 100000 * row.size(), Repeated(row, 100000)) == 0)
         << list.size() << " bytes, begins with\n"
-        << list.substr(0, 1000);
+        << list.substr(0, 1000) << "standard error: " << run.err;
     EXPECT_NE(list.find("heater "), std::string::npos);
 }
