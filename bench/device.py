@@ -43,18 +43,18 @@ def run(*words, **options):
                           **options).stdout
 
 
-def build(folder):
+def build(folder, measured):
     """Puts what the device needs into the folder."""
     run("scripts/build-static", "armhf")
-    run("cmake", "--build", "--preset", "static-armhf", "--target", "poco-client",
-        "poco-client-plain")
-    run("cp", "build/static-armhf/bench/poco-client", "build/static-armhf/bench/poco-client-plain",
-        folder)
+    for client in ("poco-client", "poco-client-plain"):
+        if any(CLIENTS[name] == f"./{client}" for names in measured.values() for name in names):
+            run("cmake", "--build", "--preset", "static-armhf", "--target", client)
+            run("cp", f"build/static-armhf/bench/{client}", folder)
     for program in ("nothing", "floor", "fixed-engine", "time-runs"):
         run("arm-linux-gnueabihf-gcc", "-O2", "-static", "-o", folder / program,
             f"bench/{program}.c")
     lines = ["cd bench"]
-    for entries, names in MEASURED.items():
+    for entries, names in measured.items():
         folder.joinpath(f"{entries}.json").write_text(reply(entries))
         lines += [f"./fixed-engine {entries}.json >{entries}.ready & engine=$!",
                   f"until [ -s {entries}.ready ]; do sleep 0.1; done",
@@ -63,17 +63,17 @@ def build(folder):
     folder.joinpath("measure").write_text("\n".join(lines) + "\n")
 
 
-def measure():
+def measure(measured):
     """For each number of entries and client: instructions and page faults of a run."""
     with tempfile.TemporaryDirectory() as work:
         folder = pathlib.Path(work) / "bench"
         folder.mkdir()
-        build(folder)
+        build(folder, measured)
         output = run("scripts/virtual-device", "--icount", "--limit", "600", "--add", folder, "sh",
                      "bench/measure")
     results = iter(output.splitlines())
     return {(entries, name): tuple(map(int, next(results).split()))
-            for entries, names in MEASURED.items() for name in names}
+            for entries, names in measured.items() for name in names}
 
 
 def ratio(results, entries, name):
@@ -81,7 +81,8 @@ def ratio(results, entries, name):
 
 
 def guard():
-    results = measure()
+    results = measure({entries: [FLOOR, *(name for number, name in GUARDED if number == entries)]
+                       for entries in MEASURED})
     status = 0
     for line in RATIOS.read_text().splitlines():
         recorded, entries, name = line.split(" ", 2)
@@ -102,7 +103,7 @@ def table(head, rows):
 
 
 def write():
-    results = measure()
+    results = measure(MEASURED)
     size = (TREE / "build/static-armhf/app/quorlan").stat().st_size
     rows = [[name, entries, f"{count:,}", f"{ratio(results, entries, name):.2f}", faults]
             for (entries, name), (count, faults) in results.items()]
