@@ -41,8 +41,9 @@ else()
   set(static_link_option -no-pie)
 endif()
 
-# Writes a linker script that puts the functions of the list, and their constants, at the start of the
-# file. scripts/function-order makes the list: what a run needs is next to each other.
+# Writes a linker script that puts the functions of the list first among the code, and their constants
+# first among the constants. scripts/function-order makes the list: what a run needs is next to each
+# other.
 function(write_function_order script list)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS "${list}")
   file(STRINGS "${list}" names)
@@ -58,10 +59,19 @@ function(write_function_order script list)
       string(APPEND constants "*(.rodata.${name} .rodata.${name}.*)\n")
     endif()
   endforeach()
+  # Where constants are mapped with the code anyway, they are next to it.
+  set(place_of_constants .rodata)
+  if(CMAKE_SYSTEM_PROCESSOR MATCHES "^arm")
+    set(place_of_constants .text)
+  endif()
   file(CONFIGURE OUTPUT "${script}" CONTENT "SECTIONS
 {
 .rodata.first : {
 ${constants}}
+}
+INSERT BEFORE ${place_of_constants};
+SECTIONS
+{
 .text.first : {
 ${code}}
 }
