@@ -116,10 +116,10 @@ def write():
         ["the file: at most 1.35 MB", f"{size:,} bytes", "yes" if size <= 1_350_000 else "no"],
     ]
     section = f"""{HEADING}
-`scripts/bench --device` runs the clients on the virtual device of [device.md](device.md), which counts
-instructions in place of time, and writes this section. The figures are those of whole runs with the
-kernel's share: making the process, running it and ending it. The share of the engine is in them, too.
-They don't depend on how busy the machine is. Each is the median of {RUNS} runs in one boot.
+`scripts/bench --device` writes this section. It runs the clients on the virtual device of
+[device.md](device.md) and counts instructions instead of measuring time, so the figures don't depend on how
+busy the machine is. Each is the median of {RUNS} runs in one boot. It covers a whole run, with the kernel's
+share and that of the small engine that answers.
 
 {table(["client", "entries", "instructions", "ratio", "page faults"], rows)}
 The minimal POCO clients use POCO's socket and JSON parser and `std::cout`, with the flags of the static
