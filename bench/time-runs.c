@@ -3,7 +3,7 @@
 //
 // Usage: time-runs RUNS COMMAND [ARGUMENT]...
 
-#define _GNU_SOURCE
+#define _GNU_SOURCE // NOLINT(*-reserved-identifier): the C library's name
 
 #include <fcntl.h>
 #include <spawn.h>
@@ -38,10 +38,14 @@ static int Ascending(const void* one, const void* other)
 int main(int argc, char** argv)
 {
     const int runs = argc > 2 ? atoi(argv[1]) : 0;
-    long long* const times = calloc((size_t)runs, sizeof *times);
-    if (runs < 1 || times == NULL) {
+    if (runs < 1) {
         fprintf(stderr, "usage: time-runs RUNS COMMAND [ARGUMENT]...\n");
         return 64;
+    }
+    long long* const times = calloc((size_t)runs, sizeof *times);
+    if (times == NULL) {
+        perror("time-runs");
+        return 71;
     }
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
@@ -56,6 +60,7 @@ int main(int argc, char** argv)
         if (posix_spawn(&child, argv[2], &actions, NULL, argv + 2, environ) != 0 ||
             waitpid(child, &status, 0) != child || status != 0) {
             fprintf(stderr, "time-runs: %s failed\n", argv[2]);
+            free(times);
             return 1;
         }
         times[run] = Now() - start;

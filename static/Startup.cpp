@@ -4,11 +4,12 @@
 #include <cstdio>
 #include <cwchar>
 
+// NOLINTBEGIN(*-reserved-identifier, readability-*): the C library's names
 extern "C" {
 
 // Where the program's file is. The C library asks the kernel, to find modules next to the file. A
 // static program without name services loads none. The value means "unknown".
-const char* _dl_get_origin() // NOLINT(*-reserved-identifier): the C library's name
+const char* _dl_get_origin()
 {
     return reinterpret_cast<const char*>(-1); // NOLINT(*-int-to-ptr)
 }
@@ -30,3 +31,4 @@ int wctob(wint_t character)
 }
 
 } // extern "C"
+// NOLINTEND(*-reserved-identifier, readability-*)

@@ -19,8 +19,8 @@ Outcome RunAsUser(const std::string& script)
     const std::string user =
         geteuid() == 0 ? "setpriv --reuid=1234 --regid=1234 --clear-groups " : "";
     return RunShell(
-        "folder=$(mktemp -d) && trap 'rm -r \"$folder\"' EXIT && chmod 755 \"$folder\" && cp " +
-        simulator + " \"$folder\" && cd \"$folder\" && " + user + "sh -c '" + script + "'");
+        "set -e; folder=$(mktemp -d); trap 'rm -r $folder' EXIT; chmod 755 $folder; cp " +
+        simulator + " $folder; cd $folder; " + user + "sh -c '" + script + "'");
 }
 
 } // namespace
