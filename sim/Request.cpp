@@ -11,15 +11,14 @@ namespace sim {
 namespace {
 
 constexpr std::chrono::seconds timeForRequest(5);
-constexpr std::size_t bufferSize = 4096;
 
 /// Reads until the frame holds one object. Returns what is wrong with the request, or "".
 std::string Fill(RequestFrame& frame, ClientSocket& client)
 {
     const Deadline deadline = std::chrono::steady_clock::now() + timeForRequest;
-    char buffer[bufferSize];
+    char buffer[4096];
     for (;;) {
-        const auto count = client.Receive(buffer, bufferSize, deadline);
+        const auto count = client.Receive(buffer, sizeof buffer, deadline);
         if (!count) {
             return "The request was not complete within 5 seconds";
         }

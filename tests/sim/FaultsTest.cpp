@@ -35,7 +35,7 @@ Poco::JSON::Object::Ptr Parsed(const std::string& json)
 
 const char* const plainText = R"({"description":"No update has been requested","resultCode":0})";
 
-const std::string begin = R"("modules":[)";
+const std::string modulesMember = R"("modules":[)";
 const std::string entry = R"({"name":"huge","state":"running","version":"1.0.0","monitored":true})";
 
 } // namespace
@@ -146,7 +146,8 @@ TEST_F(SimFault, CarriesTheCommandOutIfItSaysSo)
 TEST_F(SimFault, HugePutsManyMegabytesBeforeTheModules)
 {
     std::string expected = TextOf("", "list");
-    expected.insert(expected.find(begin) + begin.size(), Repeated(entry + ",", 100000));
+    expected.insert(expected.find(modulesMember) + modulesMember.size(),
+                    Repeated(entry + ",", 100000));
 
     const std::string text = TextOf("huge", "list");
 
@@ -161,7 +162,7 @@ TEST_F(SimFault, HugeNeedsNoModulesOfTheEngine)
 
     const std::string text = sim::FindFault("huge").write(reply);
 
-    EXPECT_TRUE(text == "{" + begin + Repeated(entry + ",", 99999) + entry + "]}")
+    EXPECT_TRUE(text == "{" + modulesMember + Repeated(entry + ",", 99999) + entry + "]}")
         << "ends with " << text.substr(text.size() - 1000);
 }
 

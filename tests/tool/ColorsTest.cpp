@@ -8,7 +8,7 @@
 
 namespace {
 
-const char* const list =
+const char* const listReply =
     R"({"resultCode":0,"services":[{"name":"log","state":"running","version":"1"},
                                    {"name":"web","state":"stopped","version":"1"},
                                    {"name":"ftp","state":"terminated","version":"1"},
@@ -17,9 +17,10 @@ const char* const list =
         "modules":[{"name":"pump","state":"starting","monitored":true,"version":"2"},
                    {"name":"valve","state":"running","monitored":false,"version":"2"}]})";
 
-const char* const status = R"({"safeModeEnabled":true,"debugModeEnabled":true,"state":"running",)"
-                           R"("version":"1.0","build":"x","resultCode":0})";
-const char* const calmStatus =
+const char* const statusReply =
+    R"({"safeModeEnabled":true,"debugModeEnabled":true,"state":"running",)"
+    R"("version":"1.0","build":"x","resultCode":0})";
+const char* const calmStatusReply =
     R"({"safeModeEnabled":false,"debugModeEnabled":false,"state":"running",)"
     R"("version":"1.0","build":"x","resultCode":0})";
 
@@ -34,7 +35,7 @@ Outcome Show(const char* reply, const std::string& commandLine, Terminal termina
 TEST(Colors, OfTheListMarkHeadingsStatesAndHeartbeats)
 {
     EXPECT_EQ(
-        Show(list, "--colors --list", Terminal::Output),
+        Show(listReply, "--colors --list", Terminal::Output),
         (Outcome{0,
                  "\033[1mSERVICE NAME             \033[00m\033[1mSTATE          \033[00m"
                  "\033[1mVERSION        \033[00m\n"
@@ -70,26 +71,26 @@ TEST(Colors, OfTheStatusMarkTheTitleTheModesAndTheState)
                "\n";
     };
 
-    EXPECT_EQ(Show(status, "--colors --engine-status", Terminal::Output),
+    EXPECT_EQ(Show(statusReply, "--colors --engine-status", Terminal::Output),
               (Outcome{0, report("\033[31menabled        ", "\033[33menabled        "), ""}));
-    EXPECT_EQ(Show(calmStatus, "--colors --engine-status", Terminal::Output),
+    EXPECT_EQ(Show(calmStatusReply, "--colors --engine-status", Terminal::Output),
               (Outcome{0, report("\033[32mdisabled       ", "\033[32mdisabled       "), ""}));
 }
 
 TEST(Colors, NeedTheOptionAndATerminalAsStandardOutput)
 {
-    const Outcome plain = Show(list, "--list", Terminal::None);
-    const Outcome styled = Show(list, "--colors --list", Terminal::Output);
+    const Outcome plain = Show(listReply, "--list", Terminal::None);
+    const Outcome styled = Show(listReply, "--colors --list", Terminal::Output);
 
-    EXPECT_EQ(Show(list, "--list", Terminal::Both), plain);
-    EXPECT_EQ(Show(list, "--colors --list", Terminal::None), plain);
-    EXPECT_EQ(Show(list, "--colors --list", Terminal::Error), plain);
-    EXPECT_EQ(Show(list, "--colors --list", Terminal::Both), styled);
+    EXPECT_EQ(Show(listReply, "--list", Terminal::Both), plain);
+    EXPECT_EQ(Show(listReply, "--colors --list", Terminal::None), plain);
+    EXPECT_EQ(Show(listReply, "--colors --list", Terminal::Error), plain);
+    EXPECT_EQ(Show(listReply, "--colors --list", Terminal::Both), styled);
 }
 
 TEST(Colors, DoNotApplyToReportsBeforeTheOption)
 {
-    ScriptedEngine engine{list, list};
+    ScriptedEngine engine{listReply, listReply};
 
     EXPECT_EQ(RunTool(Words("--list --colors"), Terminal::Output),
               RunTool({"--list"}, Terminal::None));
@@ -97,7 +98,7 @@ TEST(Colors, DoNotApplyToReportsBeforeTheOption)
 
 TEST(Colors, StayOnForEveryReportAfterTheOption)
 {
-    ScriptedEngine engine{R"({"description":"ok","resultCode":0})", list, list};
+    ScriptedEngine engine{R"({"description":"ok","resultCode":0})", listReply, listReply};
 
     const std::string styled = RunTool(Words("--colors --update --list"), Terminal::Output).out;
 

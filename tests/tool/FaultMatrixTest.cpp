@@ -21,8 +21,6 @@ using namespace std::chrono_literals;
 
 namespace {
 
-const PocoSeries& poco = PocoUnderTest();
-
 const std::string good;
 const std::string endOfText = poco.EndOfText();
 const std::string excess = "JSON Exception: Excess characters found after JSON end.";
@@ -170,7 +168,8 @@ class RefusedExchange: public testing::TestWithParam<const Scenario*>
 {
 };
 
-const auto scenarios = testing::Range(Scenarios().data(), Scenarios().data() + Scenarios().size());
+const auto eachScenario =
+    testing::Range(Scenarios().data(), Scenarios().data() + Scenarios().size());
 
 } // namespace
 
@@ -201,8 +200,8 @@ TEST_P(FaultMatrix, EndsAsTheTableSays)
 }
 
 INSTANTIATE_TEST_SUITE_P(Faults, FaultMatrix,
-                         testing::Combine(scenarios, testing::Range(std::begin(faultTable),
-                                                                    std::end(faultTable))),
+                         testing::Combine(eachScenario, testing::Range(std::begin(faultTable),
+                                                                       std::end(faultTable))),
                          [](const auto& cell) {
                              return std::get<0>(cell.param)->name + "_" +
                                     std::get<1>(cell.param)->name;
@@ -221,5 +220,5 @@ TEST_P(RefusedExchange, EndsTheRun)
     EXPECT_EQ(RunTool(scenario.commandLine), scenario.Refused());
 }
 
-INSTANTIATE_TEST_SUITE_P(Faults, RefusedExchange, scenarios,
+INSTANTIATE_TEST_SUITE_P(Faults, RefusedExchange, eachScenario,
                          [](const auto& scenario) { return scenario.param->name; });

@@ -13,8 +13,6 @@
 
 namespace {
 
-const PocoSeries& poco = PocoUnderTest();
-
 /// What a value is as a result code: an exit status, or refused for a reason.
 struct Code
 {

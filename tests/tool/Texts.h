@@ -7,6 +7,8 @@
 // The texts that several commands share. POCO words what follows "; " and "due to "; where it
 // differs between versions, tests/support/Poco.cpp has the words.
 
+inline const PocoSeries& poco = PocoUnderTest();
+
 inline const std::string connectionRefused =
     "Failed to connect to Vantrel at 127.0.0.1:7777; Connection refused\n";
 inline const std::string noAnswer = "Vantrel failed to respond in time: 127.0.0.1:7777; Timeout\n";
@@ -14,7 +16,7 @@ inline const std::string debugModeIsOff =
     "Debug mode is disabled, set debugmode first with -d option\n";
 
 inline const std::string badReply = "Failed to parse reply due to ";
-inline const std::string emptyReply = badReply + PocoUnderTest().EndOfText() + "\n";
+inline const std::string emptyReply = badReply + poco.EndOfText() + "\n";
 inline const std::string missingValue = badReply + "Invalid access: Can not convert empty value.\n";
 inline const std::string nullPointer = badReply + "Null pointer\n";
 

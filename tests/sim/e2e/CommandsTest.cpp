@@ -14,11 +14,6 @@ class SimulatorCommands: public testing::Test
     const Simulator simulator;
 };
 
-Outcome Done(const std::string& description)
-{
-    return {0, description + "\n", ""};
-}
-
 } // namespace
 
 TEST_F(SimulatorCommands, ListShowsTheDefaultState)

@@ -14,9 +14,9 @@
 
 namespace {
 
-const char* const request = R"({"command":"update-status"})";
-const Answer answer = {R"({"description":"No update has been requested","resultCode":0})"};
-const std::string line = LogLine(request, answer.bytes);
+const char* const statusRequest = R"({"command":"update-status"})";
+const Answer statusAnswer = {R"({"description":"No update has been requested","resultCode":0})"};
+const std::string statusLine = LogLine(statusRequest, statusAnswer.bytes);
 
 std::string Name(std::size_t number)
 {
@@ -43,7 +43,7 @@ TEST(SimulatorConnections, AreServedWhileManyOthersAreOpen)
         client.Send(R"({"command":"status","module":")");
     }
 
-    EXPECT_EQ(Ask(request), answer);
+    EXPECT_EQ(Ask(statusRequest), statusAnswer);
 
     for (std::size_t i = clients.size(); i-- > 0;) {
         EXPECT_EQ(clients[i].Send(Name(i) + "\"}").Receive(),
@@ -72,11 +72,11 @@ TEST(SimulatorConnections, ThatTheClientBreaksDoNotDisturbOthers)
 {
     Simulator simulator;
 
-    Client().Send(request).Reset();
-    simulator.AwaitLog(line);
-    EXPECT_EQ(Ask(request), answer);
+    Client().Send(statusRequest).Reset();
+    simulator.AwaitLog(statusLine);
+    EXPECT_EQ(Ask(statusRequest), statusAnswer);
 
-    EXPECT_EQ(simulator.End(), Served(line + line));
+    EXPECT_EQ(simulator.End(), Served(statusLine + statusLine));
 }
 
 TEST(SimulatorAddress, IsTheOnlyOneItListensOn)
@@ -88,7 +88,7 @@ TEST(SimulatorAddress, IsTheOnlyOneItListensOn)
 
     EXPECT_EQ(connect(socket.Get(), reinterpret_cast<const sockaddr*>(&other), sizeof other), -1);
     EXPECT_EQ(errno, ECONNREFUSED);
-    EXPECT_EQ(Ask(request), answer);
+    EXPECT_EQ(Ask(statusRequest), statusAnswer);
 }
 
 TEST(SimulatorAddress, InUseIsOneLineAndStatus69AndLeavesTheOtherAlone)
@@ -97,17 +97,17 @@ TEST(SimulatorAddress, InUseIsOneLineAndStatus69AndLeavesTheOtherAlone)
 
     EXPECT_EQ(Simulator().End(),
               Refused(69, "cannot listen: Net Exception: Address already in use: 127.0.0.1:7777"));
-    EXPECT_EQ(Ask(request), answer);
-    EXPECT_EQ(first.End(), Served(line));
+    EXPECT_EQ(Ask(statusRequest), statusAnswer);
+    EXPECT_EQ(first.End(), Served(statusLine));
 }
 
 TEST(SimulatorAddress, CanBeUsedAgainAtOnce)
 {
     Simulator first;
     Client open;
-    EXPECT_EQ(Ask(request), answer);
+    EXPECT_EQ(Ask(statusRequest), statusAnswer);
     first.End();
 
     const Simulator second;
-    EXPECT_EQ(Ask(request), answer);
+    EXPECT_EQ(Ask(statusRequest), statusAnswer);
 }

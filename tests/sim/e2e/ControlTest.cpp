@@ -14,9 +14,6 @@
 
 namespace {
 
-const std::string request = R"({"command":"pid","module":"pump1"})";
-const std::string reply = R"({"description":"1004","resultCode":0})";
-
 /// A simulator at whose other end of standard input the test sits.
 class ControlledSimulator
 {
@@ -48,11 +45,6 @@ private:
     Descriptor input;
     Simulator simulator;
 };
-
-Outcome Done(const std::string& description)
-{
-    return {0, description + "\n", ""};
-}
 
 std::string NotUnderstood(const std::string& line)
 {
@@ -92,12 +84,12 @@ TEST(SimulatorControl, ReplacesAllFaultsByOne)
     ControlledSimulator simulator({"--fault=close:list", "--fault=garbage:pid"});
 
     simulator.Say("fault wrong-type:pid@2\n", "fault wrong-type:pid@2");
-    EXPECT_EQ(Ask(request), Answer{reply});
-    EXPECT_EQ(Ask(request), Answer{"[" + reply + "]"});
+    EXPECT_EQ(Ask(pidRequest), Answer{pidReply});
+    EXPECT_EQ(Ask(pidRequest), Answer{"[" + pidReply + "]"});
     simulator.Say("fault garbage\n", "fault garbage");
-    EXPECT_EQ(Ask(request), Answer{"This is not JSON"});
+    EXPECT_EQ(Ask(pidRequest), Answer{"This is not JSON"});
     simulator.Say("fault none\n", "no fault");
-    EXPECT_EQ(Ask(request), Answer{reply});
+    EXPECT_EQ(Ask(pidRequest), Answer{pidReply});
 }
 
 TEST(SimulatorControl, KeepsTheFaultsIfTheNewOneIsWrong)
@@ -107,7 +99,7 @@ TEST(SimulatorControl, KeepsTheFaultsIfTheNewOneIsWrong)
     simulator.Say("fault fire\n", R"(unknown fault "fire" (--help lists them))");
     simulator.Say("fault half:dance\n", R"(fault "half:dance": unknown command "dance")");
 
-    EXPECT_EQ(Ask(request), Answer{"This is not JSON"});
+    EXPECT_EQ(Ask(pidRequest), Answer{"This is not JSON"});
 }
 
 TEST(SimulatorControl, MayAcceptNobodyForAWhile)
@@ -125,7 +117,7 @@ TEST(SimulatorControl, IsDownForAWhile)
 {
     ControlledSimulator simulator({"--fault=silent"});
     Client served;
-    served.Send(request);
+    served.Send(pidRequest);
     simulator.Get().AwaitLog("[silent]");
 
     simulator.Say("down 86400\n", "down for 86400 seconds");
@@ -134,7 +126,7 @@ TEST(SimulatorControl, IsDownForAWhile)
     EXPECT_THROW(Client(), std::system_error);
     EXPECT_FALSE(served.HearsWithin(std::chrono::milliseconds(0)));
     simulator.Say("down 0.5\n", "down for 0.5 seconds\nvantrel-sim: listening on 127.0.0.1:7777");
-    EXPECT_EQ(Ask(request), Answer{"This is not JSON"});
+    EXPECT_EQ(Ask(pidRequest), Answer{"This is not JSON"});
 }
 
 TEST(SimulatorControl, EndsIfItCannotListenAgain)
@@ -186,7 +178,7 @@ TEST(SimulatorControl, GoesOnAfterTheEndOfItsInput)
     simulator.EndInput();
     simulator.Get().AwaitLog("control: pump2 is last\n");
 
-    EXPECT_EQ(Ask(request).bytes,
+    EXPECT_EQ(Ask(pidRequest).bytes,
               Refusal(4, R"(pump1 has no process: its state is \"odd\")").bytes);
     EXPECT_EQ(simulator.Get().End().status, 0);
 }

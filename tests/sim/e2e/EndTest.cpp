@@ -10,13 +10,13 @@
 
 namespace {
 
-const char* const list = R"({"command":"list"})";
+const char* const listRequest = R"({"command":"list"})";
 
 class SimulatorEnd: public testing::TestWithParam<int>
 {
 };
 
-std::string NameOfSignal(const testing::TestParamInfo<int>& info)
+std::string NameOfEnd(const testing::TestParamInfo<int>& info)
 {
     return info.param == SIGINT ? "Interrupt" : "Termination";
 }
@@ -26,8 +26,8 @@ Answer AnswerAtTheEnd(const std::string& fault, int signal)
 {
     Simulator simulator({"--fault=" + fault});
     Client client;
-    client.Send(list);
-    simulator.AwaitLog(list);
+    client.Send(listRequest);
+    simulator.AwaitLog(listRequest);
 
     const Outcome outcome = simulator.End(signal);
 
@@ -94,4 +94,4 @@ TEST(SimulatorStart, WithoutAWorkingDirectoryIsOneLine)
         Refused(64, "System exception: cannot get current directory"));
 }
 
-INSTANTIATE_TEST_SUITE_P(By, SimulatorEnd, testing::Values(SIGINT, SIGTERM), NameOfSignal);
+INSTANTIATE_TEST_SUITE_P(By, SimulatorEnd, testing::Values(SIGINT, SIGTERM), NameOfEnd);

@@ -16,8 +16,6 @@ using std::chrono::milliseconds;
 
 namespace {
 
-const std::string request = R"({"command":"pid","module":"pump1"})";
-const std::string reply = R"({"description":"1004","resultCode":0})";
 const std::string halfReply = R"({"description":"10)";
 
 } // namespace
@@ -35,7 +33,7 @@ TEST(SimulatorFault, CloseIsNoResetForAClientThatHasSentARequest)
 {
     const Simulator simulator({"--fault=close"});
 
-    EXPECT_EQ(Ask(request), Answer{});
+    EXPECT_EQ(Ask(pidRequest), Answer{});
 }
 
 TEST(SimulatorFault, SilentReadsTheRequestAndWaitsForTheClientToLeave)
@@ -43,11 +41,11 @@ TEST(SimulatorFault, SilentReadsTheRequestAndWaitsForTheClientToLeave)
     Simulator simulator({"--fault=silent"});
     Client client;
 
-    client.Send(request);
-    simulator.AwaitLog(request);
+    client.Send(pidRequest);
+    simulator.AwaitLog(pidRequest);
 
     EXPECT_EQ(client.HalfClose().Receive(), Answer{});
-    EXPECT_EQ(simulator.End(), Served(LogLine(request, "(nothing) [silent]")));
+    EXPECT_EQ(simulator.End(), Served(LogLine(pidRequest, "(nothing) [silent]")));
 }
 
 TEST(SimulatorFault, SlowSendsEachByteOnItsOwn)
@@ -55,23 +53,23 @@ TEST(SimulatorFault, SlowSendsEachByteOnItsOwn)
     const Simulator simulator({"--fault=slow"});
     Client client;
 
-    EXPECT_EQ(client.Send(request).Receive(), Answer{reply});
+    EXPECT_EQ(client.Send(pidRequest).Receive(), Answer{pidReply});
 
-    EXPECT_EQ(client.SegmentsReceived(), reply.size());
+    EXPECT_EQ(client.SegmentsReceived(), pidReply.size());
 }
 
 TEST(SimulatorFault, HalfClosesAfterHalfOfTheReply)
 {
     const Simulator simulator({"--fault=half"});
 
-    EXPECT_EQ(Ask(request), Answer{halfReply});
+    EXPECT_EQ(Ask(pidRequest), Answer{halfReply});
 }
 
 TEST(SimulatorFault, ResetBreaksTheConnectionAfterHalfOfTheReply)
 {
     const Simulator simulator({"--fault=reset"});
 
-    EXPECT_EQ(Ask(request), (Answer{halfReply, Answer::End::Reset}));
+    EXPECT_EQ(Ask(pidRequest), (Answer{halfReply, Answer::End::Reset}));
 }
 
 TEST(SimulatorFault, StayOpenSendsTheWholeReplyAndWaitsForTheClientToLeave)
@@ -79,13 +77,13 @@ TEST(SimulatorFault, StayOpenSendsTheWholeReplyAndWaitsForTheClientToLeave)
     Simulator simulator({"--fault=stay-open"});
     Client client;
 
-    client.Send(request);
-    simulator.AwaitLog(request);
-    EXPECT_EQ(client.ReceiveBytes(reply.size()), reply);
+    client.Send(pidRequest);
+    simulator.AwaitLog(pidRequest);
+    EXPECT_EQ(client.ReceiveBytes(pidReply.size()), pidReply);
     EXPECT_FALSE(client.HearsWithin(milliseconds(200)));
 
     EXPECT_EQ(client.HalfClose().Receive(), Answer{});
-    EXPECT_EQ(simulator.End(), Served(LogLine(request, reply + " [stay-open]")));
+    EXPECT_EQ(simulator.End(), Served(LogLine(pidRequest, pidReply + " [stay-open]")));
 }
 
 TEST(SimulatorFault, NoAcceptLeavesClientsWaiting)
@@ -103,16 +101,16 @@ TEST(SimulatorFault, MeetsOnlyTheRequestsThatItIsFor)
     const std::string otherReply =
         R"({"description":"No update has been requested","resultCode":0})";
 
-    EXPECT_EQ(Ask(request), Answer{reply});
+    EXPECT_EQ(Ask(pidRequest), Answer{pidReply});
     EXPECT_EQ(Ask(other), Answer{otherReply});
-    EXPECT_EQ(Ask(request), Answer{halfReply});
-    EXPECT_EQ(Ask(request), Answer{});
-    EXPECT_EQ(Ask(request), Answer{reply});
+    EXPECT_EQ(Ask(pidRequest), Answer{halfReply});
+    EXPECT_EQ(Ask(pidRequest), Answer{});
+    EXPECT_EQ(Ask(pidRequest), Answer{pidReply});
 
     EXPECT_EQ(simulator.End(),
-              Served(LogLine(request, reply) + LogLine(other, otherReply) +
-                     LogLine(request, halfReply + " [half]") +
-                     LogLine(request, "(nothing) [close]") + LogLine(request, reply)));
+              Served(LogLine(pidRequest, pidReply) + LogLine(other, otherReply) +
+                     LogLine(pidRequest, halfReply + " [half]") +
+                     LogLine(pidRequest, "(nothing) [close]") + LogLine(pidRequest, pidReply)));
 }
 
 TEST(SimulatorDelay, PassesBeforeEachReply)
@@ -120,7 +118,7 @@ TEST(SimulatorDelay, PassesBeforeEachReply)
     const Simulator simulator({"--delay=300"});
     const auto begin = std::chrono::steady_clock::now();
 
-    EXPECT_EQ(Ask(request), Answer{reply});
+    EXPECT_EQ(Ask(pidRequest), Answer{pidReply});
 
     EXPECT_GE(std::chrono::steady_clock::now() - begin, milliseconds(300));
 }

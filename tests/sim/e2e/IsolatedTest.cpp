@@ -10,7 +10,7 @@
 
 namespace {
 
-const std::string simulator = VANTREL_SIM;
+const std::string program = VANTREL_SIM;
 
 /// Runs a script as a user who is not root, whoever runs the tests. The simulator is in the current
 /// folder: the build folder may be out of the user's reach.
@@ -19,8 +19,8 @@ Outcome RunAsUser(const std::string& script)
     const std::string user =
         geteuid() == 0 ? "setpriv --reuid=1234 --regid=1234 --clear-groups " : "";
     return RunShell(
-        "set -e; folder=$(mktemp -d); trap 'rm -r $folder' EXIT; chmod 755 $folder; cp " +
-        simulator + " $folder; cd $folder; " + user + "sh -c '" + script + "'");
+        "set -e; folder=$(mktemp -d); trap 'rm -r $folder' EXIT; chmod 755 $folder; cp " + program +
+        " $folder; cd $folder; " + user + "sh -c '" + script + "'");
 }
 
 } // namespace
@@ -29,9 +29,8 @@ TEST(SimulatorIsolated, HasTheAddressForItself)
 {
     const Simulator other({"--fault=garbage"});
 
-    const std::string line = LogLine(R"({"command":"pid","module":"pump1"})",
-                                     R"({"description":"1004","resultCode":0})");
-    EXPECT_EQ(RunShell(simulator + " --isolated -- $QUORLAN --pid=pump1"),
+    const std::string line = LogLine(pidRequest, pidReply);
+    EXPECT_EQ(RunShell(program + " --isolated -- $QUORLAN --pid=pump1"),
               (Outcome{0, "1004\n", Served(line).err}));
 }
 
@@ -46,7 +45,7 @@ TEST(SimulatorIsolated, IsOutOfReachForOthers)
 
 TEST(SimulatorIsolated, HasNothingButLoopback)
 {
-    EXPECT_EQ(::Run({simulator, "--isolated", "--", "sh", "-c",
+    EXPECT_EQ(::Run({program, "--isolated", "--", "sh", "-c",
                      "tail -n +3 /proc/net/dev | cut -d: -f1; cat /sys/class/net/lo/operstate"})
                   .out,
               "    lo\nunknown\n");
@@ -66,7 +65,7 @@ TEST(SimulatorIsolated, IsRefusedInOneLineWhereTheKernelRefuses)
     // Within a user namespace of its own, a process may lower the limits.
     EXPECT_EQ(RunShell("exec unshare --user --map-root-user sh -c "
                        "'echo 0 >/proc/sys/user/max_net_namespaces && exec " +
-                       simulator + " --isolated -- echo run'"),
+                       program + " --isolated -- echo run'"),
               Refused(69, "no network of its own: network namespace: No space left on device"));
 }
 

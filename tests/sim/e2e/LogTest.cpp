@@ -10,9 +10,6 @@
 
 namespace {
 
-const std::string request = R"({"command":"pid","module":"pump1"})";
-const std::string reply = R"({"description":"1004","resultCode":0})";
-
 std::string TextOf(const TemporaryFile& file)
 {
     std::ostringstream text;
@@ -38,7 +35,7 @@ TEST(SimulatorLog, InAFileHasALineForEachRequest)
         RunShell(std::string(VANTREL_SIM) + " --log=" + file.Path() + " -- $QUORLAN --pid=pump1"),
         (Outcome{0, "1004\n", ""}));
 
-    EXPECT_EQ(TextOf(file), Served(LogLine(request, reply)).err);
+    EXPECT_EQ(TextOf(file), Served(LogLine(pidRequest, pidReply)).err);
 }
 
 TEST(SimulatorLog, InAFileThatCannotBeWrittenIsRefused)

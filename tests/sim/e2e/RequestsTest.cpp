@@ -11,9 +11,8 @@ using std::chrono::milliseconds;
 
 namespace {
 
-const std::string goodRequest = R"({"command":"pid","module":"pump1"})";
-const Answer goodAnswer = {R"({"description":"1004","resultCode":0})"};
-const std::string goodLine = LogLine(goodRequest, goodAnswer.bytes);
+const Answer goodAnswer = {pidReply};
+const std::string goodLine = LogLine(pidRequest, goodAnswer.bytes);
 
 std::string Nested(std::size_t depth)
 {
@@ -36,7 +35,7 @@ void PrintTo(const BadRequest& each, std::ostream* stream)
     *stream << each.name;
 }
 
-std::string NameOf(const testing::TestParamInfo<BadRequest>& info)
+std::string NameOfRequest(const testing::TestParamInfo<BadRequest>& info)
 {
     return info.param.name;
 }
@@ -51,14 +50,14 @@ TEST(SimulatorRequest, MayArriveByteByByte)
 {
     const Simulator simulator;
 
-    EXPECT_EQ(Client().SendBytewise(goodRequest).Receive(), goodAnswer);
+    EXPECT_EQ(Client().SendBytewise(pidRequest).Receive(), goodAnswer);
 }
 
 TEST(SimulatorRequest, MayBeFollowedByAHalfClose)
 {
     const Simulator simulator;
 
-    EXPECT_EQ(Client().Send(goodRequest).HalfClose().Receive(), goodAnswer);
+    EXPECT_EQ(Client().Send(pidRequest).HalfClose().Receive(), goodAnswer);
 }
 
 TEST_P(SimulatorBadRequest, IsRefusedAndTheSimulatorGoesOn)
@@ -66,7 +65,7 @@ TEST_P(SimulatorBadRequest, IsRefusedAndTheSimulatorGoesOn)
     const Simulator simulator;
 
     EXPECT_EQ(Ask(GetParam().text), GetParam().refusal);
-    EXPECT_EQ(Ask(goodRequest), goodAnswer);
+    EXPECT_EQ(Ask(pidRequest), goodAnswer);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -81,7 +80,7 @@ INSTANTIATE_TEST_SUITE_P(
                     // The refusal comes while the client is still sending.
                     BadRequest{"AMebibyte", "{" + std::string(1 << 20, ' '),
                                Refusal(1, "The request is longer than 64 KiB")}),
-    NameOf);
+    NameOfRequest);
 
 TEST(SimulatorRequest, ThatEndsBeforeItIsCompleteIsRefusedAndTheSimulatorGoesOn)
 {
@@ -90,7 +89,7 @@ TEST(SimulatorRequest, ThatEndsBeforeItIsCompleteIsRefusedAndTheSimulatorGoesOn)
 
     EXPECT_EQ(Client().HalfClose().Receive(), refusal);
     EXPECT_EQ(Client().Send(R"({"command":"list")").HalfClose().Receive(), refusal);
-    EXPECT_EQ(Ask(goodRequest), goodAnswer);
+    EXPECT_EQ(Ask(pidRequest), goodAnswer);
 }
 
 TEST(SimulatorRequest, ThatDoesNotArriveWithinFiveSecondsIsRefusedAndTheSimulatorGoesOn)
@@ -109,7 +108,7 @@ TEST(SimulatorRequest, ThatDoesNotArriveWithinFiveSecondsIsRefusedAndTheSimulato
     EXPECT_EQ(slow.Receive(), refusal);
     EXPECT_EQ(mute.Receive(), refusal);
     EXPECT_EQ(stuck.Receive(), refusal);
-    EXPECT_EQ(Ask(goodRequest), goodAnswer);
+    EXPECT_EQ(Ask(pidRequest), goodAnswer);
 }
 
 TEST(SimulatorRequest, ThatIsCompleteAfterFourSecondsIsAnswered)
@@ -117,9 +116,9 @@ TEST(SimulatorRequest, ThatIsCompleteAfterFourSecondsIsAnswered)
     const Simulator simulator;
     Client late;
 
-    late.Send(goodRequest.substr(0, 5));
+    late.Send(pidRequest.substr(0, 5));
     EXPECT_FALSE(late.HearsWithin(milliseconds(4000)));
-    late.Send(goodRequest.substr(5));
+    late.Send(pidRequest.substr(5));
 
     EXPECT_EQ(late.Receive(), goodAnswer);
 }
@@ -131,7 +130,7 @@ TEST(SimulatorRequest, OfAClientThatLeavesDoesNotDisturbTheSimulator)
 
     Client().Send(R"({"command":)").Reset();
     simulator.AwaitLog("broke");
-    EXPECT_EQ(Ask(goodRequest), goodAnswer);
+    EXPECT_EQ(Ask(pidRequest), goodAnswer);
 
     EXPECT_EQ(simulator.End(), Served(LogLine(R"({"command":)", refusal.bytes) + goodLine));
 }
@@ -140,7 +139,7 @@ TEST(SimulatorRequest, IsOneLineOfTheLogWhateverIsInIt)
 {
     Simulator simulator;
 
-    Ask(goodRequest);
+    Ask(pidRequest);
     const Answer toControlCharacters = Ask("{\"command\":\"\033[31mred\n\"}");
     const Answer toNothing = Client().HalfClose().Receive();
 

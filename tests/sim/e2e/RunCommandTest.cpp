@@ -31,7 +31,7 @@ class SimulatorCommandSignal: public testing::TestWithParam<int>
 {
 };
 
-std::string NameOf(const testing::TestParamInfo<int>& info)
+std::string NameOfSignal(const testing::TestParamInfo<int>& info)
 {
     return "Signal" + std::to_string(info.param);
 }
@@ -153,4 +153,4 @@ TEST(SimulatorCommand, IsWaitedForWhereTheCallerIgnoresTheEndsOfChildren)
 }
 
 INSTANTIATE_TEST_SUITE_P(By, SimulatorCommandSignal, testing::Values(SIGINT, SIGTERM, SIGHUP),
-                         NameOf);
+                         NameOfSignal);

@@ -61,3 +61,8 @@ Outcome Refused(int status, const std::string& line)
 {
     return {status, "", "vantrel-sim: " + line + "\n"};
 }
+
+Outcome Done(const std::string& description)
+{
+    return {0, description + "\n", ""};
+}

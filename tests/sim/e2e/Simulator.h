@@ -32,6 +32,10 @@ private:
     Outcome outcome;
 };
 
+/// A request that leaves the default state as it is, and its reply.
+inline const std::string pidRequest = R"({"command":"pid","module":"pump1"})";
+inline const std::string pidReply = R"({"description":"1004","resultCode":0})";
+
 /// The line of the log on one connection, with both texts as the log shows them.
 std::string LogLine(const std::string& request, const std::string& reply);
 
@@ -40,3 +44,6 @@ Outcome Served(const std::string& log);
 
 /// The outcome of one that does not start.
 Outcome Refused(int status, const std::string& line);
+
+/// The outcome of a run of the tool whose report is the description of the reply.
+Outcome Done(const std::string& description);
