@@ -55,7 +55,8 @@ TEST(SimulatorFault, SlowSendsEachByteOnItsOwn)
 
     EXPECT_EQ(client.Send(pidRequest).Receive(), Answer{pidReply});
 
-    EXPECT_EQ(client.SegmentsReceived(), pidReply.size());
+    // More where the kernel sent one again.
+    EXPECT_GE(client.SegmentsReceived(), pidReply.size());
 }
 
 TEST(SimulatorFault, HalfClosesAfterHalfOfTheReply)
