@@ -7,6 +7,7 @@
 // The texts that several commands share. POCO words what follows "; " and "due to "; where it
 // differs between versions, tests/support/Poco.cpp has the words.
 
+/// The POCO of the tool that is tested.
 inline const PocoSeries& poco = PocoUnderTest();
 
 inline const std::string connectionRefused =

@@ -16,11 +16,6 @@ class SimulatorEnd: public testing::TestWithParam<int>
 {
 };
 
-std::string NameOfEnd(const testing::TestParamInfo<int>& info)
-{
-    return info.param == SIGINT ? "Interrupt" : "Termination";
-}
-
 /// What the client of a simulator with a fault receives when the simulator is ended.
 Answer AnswerAtTheEnd(const std::string& fault, int signal)
 {
@@ -94,4 +89,4 @@ TEST(SimulatorStart, WithoutAWorkingDirectoryIsOneLine)
         Refused(64, "System exception: cannot get current directory"));
 }
 
-INSTANTIATE_TEST_SUITE_P(By, SimulatorEnd, testing::Values(SIGINT, SIGTERM), NameOfEnd);
+INSTANTIATE_TEST_SUITE_P(By, SimulatorEnd, testing::Values(SIGINT, SIGTERM), NameOfSignal);

@@ -31,11 +31,6 @@ class SimulatorCommandSignal: public testing::TestWithParam<int>
 {
 };
 
-std::string NameOfSignal(const testing::TestParamInfo<int>& info)
-{
-    return "Signal" + std::to_string(info.param);
-}
-
 } // namespace
 
 TEST(SimulatorCommand, EndsTheSimulatorWithItsExitStatus)

@@ -1,6 +1,6 @@
 #include "tests/sim/e2e/Simulator.h"
 
-#include <gtest/gtest.h>
+#include <cstring>
 
 namespace {
 
@@ -45,6 +45,11 @@ Outcome Simulator::End(int signal)
     Finish(process, out, err, outcome);
     process = 0;
     return outcome;
+}
+
+std::string NameOfSignal(const testing::TestParamInfo<int>& info)
+{
+    return strsignal(info.param);
 }
 
 std::string LogLine(const std::string& request, const std::string& reply)

@@ -2,6 +2,8 @@
 
 #include "tests/support/Process.h"
 
+#include <gtest/gtest.h>
+
 #include <csignal>
 #include <string>
 #include <vector>
@@ -31,6 +33,9 @@ private:
     pid_t process = 0; // 0 after End
     Outcome outcome;
 };
+
+/// Names a test by the signal that is its parameter.
+std::string NameOfSignal(const testing::TestParamInfo<int>& info);
 
 /// A request that leaves the default state as it is, and its reply.
 inline const std::string pidRequest = R"({"command":"pid","module":"pump1"})";
