@@ -55,7 +55,7 @@ TEST(SimulatorFault, SlowSendsEachByteOnItsOwn)
 
     EXPECT_EQ(client.Send(pidRequest).Receive(), Answer{pidReply});
 
-    // More where the kernel sent one again.
+    // A segment has at least one byte. More than that arrive only if the kernel sent some again.
     EXPECT_GE(client.SegmentsReceived(), pidReply.size());
 }
 
